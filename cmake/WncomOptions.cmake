@@ -1,0 +1,38 @@
+# What every target of the tree is compiled with (wncom_options), and the include paths that product code sees
+# (wncom_headers): the public headers, the tree itself, and on hosts without Windows the layer that stands in for it.
+
+set(WNCOM_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+add_library(wncom_options INTERFACE)
+target_compile_options(
+    wncom_options
+    INTERFACE -Wall
+              -Wextra
+              -Wpedantic
+              -Wconversion
+              -Wshadow
+              -Woverloaded-virtual
+              -Wundef
+              -Werror
+)
+if(NOT WIN32)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # A unique symbol would pin its module in the process for good.
+        target_compile_options(wncom_options INTERFACE -fno-gnu-unique -Wsuggest-override)
+    endif()
+    target_link_options(wncom_options INTERFACE -Wl,--no-undefined)
+endif()
+if(WNCOM_SANITIZE)
+    target_compile_options(
+        wncom_options INTERFACE -fsanitize=${WNCOM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    )
+    target_link_options(wncom_options INTERFACE -fsanitize=${WNCOM_SANITIZE})
+endif()
+
+add_library(wncom_headers INTERFACE)
+target_include_directories(wncom_headers INTERFACE ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+if(WIN32)
+    target_link_libraries(wncom_headers INTERFACE ole32 oleaut32 uuid advapi32)
+else()
+    target_link_libraries(wncom_headers INTERFACE wnplatform)
+endif()
