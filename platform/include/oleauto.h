@@ -1,0 +1,36 @@
+// OLE Automation's functions: length-prefixed texts, variants, type libraries.
+#pragma once
+
+#include "oaidl.h"
+
+// A BSTR carries its length in bytes before its first unit, is always terminated, and may hold zero units. Null is
+// an empty text. New ones come from these functions only and are released with SysFreeString (null is allowed).
+BSTR SysAllocString(const OLECHAR* text);
+BSTR SysAllocStringLen(const OLECHAR* text, UINT units);  // null text: room for that many units, not filled
+BSTR SysAllocStringByteLen(LPCSTR bytes, UINT count);
+void SysFreeString(BSTR text);
+UINT SysStringLen(BSTR text);      // units
+UINT SysStringByteLen(BSTR text);  // bytes
+
+void VariantInit(VARIANT* variant);
+HRESULT VariantClear(VARIANT* variant);
+HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);
+// Between the numeric types, VT_BOOL and VT_BSTR, and between VT_UNKNOWN and VT_DISPATCH; else DISP_E_TYPEMISMATCH,
+// or DISP_E_OVERFLOW. References are followed. No flag means anything here. The destination may be the source, and
+// keeps what it holds after a failure.
+HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type);
+
+// Type libraries. Their objects may be used from any thread and live on after their file has changed or gone; a file
+// is read again only when it has changed. A dual interface shows as TKIND_DISPATCH, and GetRefTypeOfImplType(-1)
+// leads to its table of functions. ITypeComp is not offered (E_NOTIMPL).
+//
+// The file is a module with a type-library resource (number 1, or the one named by "\N" after the file name) or a
+// library description by itself. TYPE_E_CANTLOADLIBRARY for any other file, an absent or a damaged one.
+HRESULT LoadTypeLib(LPCOLESTR file, ITypeLib** library);
+// The version asked for or the highest later one of the same major number; TYPE_E_LIBNOTREGISTERED for none.
+// Libraries are registered for every locale.
+HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID lcid, ITypeLib** library);
+// Both answer TYPE_E_REGISTRYACCESS when an entry cannot be written, or is not there to remove. A null help directory
+// is an empty one. The system is SYS_WIN32 on every host (else E_INVALIDARG).
+HRESULT RegisterTypeLib(ITypeLib* library, LPCOLESTR fullPath, LPCOLESTR helpDirectory);
+HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID lcid, SYSKIND system);

@@ -1,0 +1,95 @@
+// Statuses (HRESULT) and system error codes, with Windows' own values.
+#pragma once
+
+#include "windef.h"
+
+#define SUCCEEDED(hr) ((static_cast<HRESULT>(hr)) >= 0)
+#define FAILED(hr) ((static_cast<HRESULT>(hr)) < 0)
+#define HRESULT_FROM_WIN32(code)                                      \
+    ((static_cast<HRESULT>(code)) <= 0 ? (static_cast<HRESULT>(code)) \
+                                       : (static_cast<HRESULT>(((code)&0x0000FFFF) | 0x80070000U)))
+
+#define S_OK (static_cast<HRESULT>(0))
+#define S_FALSE (static_cast<HRESULT>(1))
+#define E_NOTIMPL (static_cast<HRESULT>(0x80004001U))
+#define E_NOINTERFACE (static_cast<HRESULT>(0x80004002U))
+#define E_POINTER (static_cast<HRESULT>(0x80004003U))
+#define E_ABORT (static_cast<HRESULT>(0x80004004U))
+#define E_FAIL (static_cast<HRESULT>(0x80004005U))
+#define E_UNEXPECTED (static_cast<HRESULT>(0x8000FFFFU))
+#define E_ACCESSDENIED (static_cast<HRESULT>(0x80070005U))
+#define E_OUTOFMEMORY (static_cast<HRESULT>(0x8007000EU))
+#define E_INVALIDARG (static_cast<HRESULT>(0x80070057U))
+
+#define DISP_E_UNKNOWNINTERFACE (static_cast<HRESULT>(0x80020001U))
+#define DISP_E_MEMBERNOTFOUND (static_cast<HRESULT>(0x80020003U))
+#define DISP_E_PARAMNOTFOUND (static_cast<HRESULT>(0x80020004U))
+#define DISP_E_TYPEMISMATCH (static_cast<HRESULT>(0x80020005U))
+#define DISP_E_UNKNOWNNAME (static_cast<HRESULT>(0x80020006U))
+#define DISP_E_NONAMEDARGS (static_cast<HRESULT>(0x80020007U))
+#define DISP_E_BADVARTYPE (static_cast<HRESULT>(0x80020008U))
+#define DISP_E_EXCEPTION (static_cast<HRESULT>(0x80020009U))
+#define DISP_E_OVERFLOW (static_cast<HRESULT>(0x8002000AU))
+#define DISP_E_BADINDEX (static_cast<HRESULT>(0x8002000BU))
+#define DISP_E_BADPARAMCOUNT (static_cast<HRESULT>(0x8002000EU))
+
+#define TYPE_E_INVALIDSTATE (static_cast<HRESULT>(0x80028029U))
+#define TYPE_E_UNKNOWNLCID (static_cast<HRESULT>(0x8002802EU))
+#define TYPE_E_REGISTRYACCESS (static_cast<HRESULT>(0x8002801CU))
+#define TYPE_E_LIBNOTREGISTERED (static_cast<HRESULT>(0x8002801DU))
+#define TYPE_E_UNSUPFORMAT (static_cast<HRESULT>(0x80028019U))
+#define TYPE_E_ELEMENTNOTFOUND (static_cast<HRESULT>(0x8002802BU))
+#define TYPE_E_BADMODULEKIND (static_cast<HRESULT>(0x800288BDU))
+#define TYPE_E_CANTLOADLIBRARY (static_cast<HRESULT>(0x80029C4AU))
+
+#define CLASS_E_NOAGGREGATION (static_cast<HRESULT>(0x80040110U))
+#define CLASS_E_CLASSNOTAVAILABLE (static_cast<HRESULT>(0x80040111U))
+#define REGDB_E_CLASSNOTREG (static_cast<HRESULT>(0x80040154U))
+#define CO_E_NOTINITIALIZED (static_cast<HRESULT>(0x800401F0U))
+#define CO_E_CLASSSTRING (static_cast<HRESULT>(0x800401F3U))
+#define CO_E_ERRORINDLL (static_cast<HRESULT>(0x800401F9U))
+
+#define NO_ERROR 0
+#define ERROR_SUCCESS 0
+#define ERROR_INVALID_FUNCTION 1
+#define ERROR_FILE_NOT_FOUND 2
+#define ERROR_PATH_NOT_FOUND 3
+#define ERROR_TOO_MANY_OPEN_FILES 4
+#define ERROR_ACCESS_DENIED 5
+#define ERROR_INVALID_HANDLE 6
+#define ERROR_NOT_ENOUGH_MEMORY 8
+#define ERROR_BAD_FORMAT 11
+#define ERROR_INVALID_DATA 13
+#define ERROR_OUTOFMEMORY 14
+#define ERROR_NO_MORE_FILES 18
+#define ERROR_WRITE_FAULT 29
+#define ERROR_READ_FAULT 30
+#define ERROR_SHARING_VIOLATION 32
+#define ERROR_LOCK_VIOLATION 33
+#define ERROR_HANDLE_EOF 38
+#define ERROR_FILE_EXISTS 80
+#define ERROR_INVALID_PARAMETER 87
+#define ERROR_DISK_FULL 112
+#define ERROR_INSUFFICIENT_BUFFER 122
+#define ERROR_INVALID_NAME 123
+#define ERROR_NEGATIVE_SEEK 131
+#define ERROR_MOD_NOT_FOUND 126
+#define ERROR_PROC_NOT_FOUND 127
+#define ERROR_NOT_LOCKED 158
+#define ERROR_BAD_PATHNAME 161
+#define ERROR_ALREADY_EXISTS 183
+#define ERROR_BAD_EXE_FORMAT 193
+#define ERROR_FILENAME_EXCED_RANGE 206
+#define ERROR_FILE_TOO_LARGE 223
+#define ERROR_NO_DATA 232
+#define ERROR_MORE_DATA 234
+#define ERROR_NO_MORE_ITEMS 259
+#define ERROR_DIRECTORY 267
+#define ERROR_NOT_OWNER 288
+#define ERROR_MR_MID_NOT_FOUND 317
+#define ERROR_INVALID_FLAGS 1004
+#define ERROR_BADDB 1009
+#define ERROR_KEY_DELETED 1018
+#define ERROR_NO_UNICODE_TRANSLATION 1113
+#define ERROR_DLL_INIT_FAILED 1114
+#define ERROR_UNKNOWN_REVISION 1305

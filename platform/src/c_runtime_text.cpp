@@ -1,0 +1,95 @@
+// The C runtime's text functions in the C locale, where only the ASCII letters have case.
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "winnls.h"
+
+namespace {
+
+int Lower(WCHAR unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit; }
+int Lower(char unit) { return Lower(static_cast<WCHAR>(static_cast<unsigned char>(unit))); }
+
+template <class Unit>
+int CompareNoCase(const Unit* a, const Unit* b, std::size_t count) {
+    if (!a || !b) {
+        errno = EINVAL;
+        return INT_MAX;
+    }
+    for (; count > 0; --count, ++a, ++b) {
+        const int difference = Lower(*a) - Lower(*b);
+        if (difference != 0 || *a == Unit{}) return difference;
+    }
+    return 0;
+}
+
+constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kRefused = static_cast<std::size_t>(-1);
+
+template <class Unit>
+Unit* Duplicate(const Unit* text) {
+    if (!text) return nullptr;
+    const std::size_t bytes = (std::char_traits<Unit>::length(text) + 1) * sizeof(Unit);
+    auto* const copy = static_cast<Unit*>(std::malloc(bytes));
+    if (copy) std::memcpy(copy, text, bytes);
+    return copy;
+}
+
+}  // namespace
+
+std::size_t mbstowcs(WCHAR* destination, const char* source, std::size_t units) {
+    if (!source) {
+        errno = EINVAL;
+        return kRefused;
+    }
+    if (!destination) return std::strlen(source);
+    for (std::size_t i = 0; i < units; ++i) {
+        destination[i] = static_cast<unsigned char>(source[i]);
+        if (source[i] == '\0') return i;
+    }
+    return units;
+}
+
+std::size_t wcstombs(char* destination, const WCHAR* source, std::size_t bytes) {
+    if (!source) {
+        errno = EINVAL;
+        return kRefused;
+    }
+    if (!destination) return wcslen(source);
+    for (std::size_t i = 0; i < bytes; ++i) {
+        if (source[i] > 0xFF) {
+            errno = EILSEQ;
+            return kRefused;
+        }
+        destination[i] = static_cast<char>(source[i]);
+        if (source[i] == u'\0') return i;
+    }
+    return bytes;
+}
+
+std::size_t wcslen(const WCHAR* text) { return std::char_traits<WCHAR>::length(text); }
+
+WCHAR* wcschr(const WCHAR* text, WCHAR wanted) {
+    for (;; ++text) {
+        if (*text == wanted) return const_cast<WCHAR*>(text);
+        if (*text == u'\0') return nullptr;
+    }
+}
+
+int wcscmp(const WCHAR* a, const WCHAR* b) {
+    for (; *a == *b; ++a, ++b) {
+        if (*a == u'\0') return 0;
+    }
+    return *a < *b ? -1 : 1;
+}
+
+WCHAR* _wcsdup(const WCHAR* text) { return Duplicate(text); }
+char* _strdup(const char* text) { return Duplicate(text); }
+
+int _wcsnicmp(const WCHAR* a, const WCHAR* b, std::size_t count) { return CompareNoCase(a, b, count); }
+int _wcsicmp(const WCHAR* a, const WCHAR* b) { return CompareNoCase(a, b, kWhole); }
+int _strnicmp(const char* a, const char* b, std::size_t count) { return CompareNoCase(a, b, count); }
+int _stricmp(const char* a, const char* b) { return CompareNoCase(a, b, kWhole); }

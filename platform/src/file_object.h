@@ -1,0 +1,50 @@
+// An open file.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "descriptor.h"
+#include "handles.h"
+
+namespace wnplatform {
+
+class FileObject final : public KernelObject {
+public:
+    static constexpr ObjectKind kKind = ObjectKind::File;
+
+    struct Access {
+        bool read;
+        bool write;
+        bool regular;  // has a size and positions, unlike a terminal or a pipe
+        bool owned;    // false for a standard descriptor, which stays open for the rest of the process
+    };
+    struct Range {
+        std::uint64_t offset;
+        std::uint64_t length;
+    };
+
+    FileObject(Descriptor descriptor, Access granted) noexcept
+        : KernelObject(kKind), access(granted), m_descriptor(std::move(descriptor)) {}
+    ~FileObject() override {
+        if (!access.owned) m_descriptor.Detach();
+    }
+
+    int Get() const noexcept { return m_descriptor.Get(); }
+
+    const Access access;
+
+    // What this handle has locked: the host would merge the ranges of one handle and give back any part of them.
+    std::mutex rangesLock;
+    std::vector<Range> ranges;  // guarded by rangesLock
+
+private:
+    Descriptor m_descriptor;
+};
+
+// The last error for a path that the host refused with errno: a missing folder and a missing file in it differ.
+DWORD PathError(int error, const std::string& hostPath) noexcept;
+
+}  // namespace wnplatform

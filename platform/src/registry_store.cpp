@@ -1,0 +1,163 @@
+#include "registry_store.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "descriptor.h"
+#include "errors.h"
+#include "registry_file.h"
+#include "wnplatform/inspect.h"
+#include "writing.h"
+
+namespace wnplatform {
+namespace {
+
+LSTATUS StatusFromErrno() { return static_cast<LSTATUS>(ErrorFromErrno(errno)); }
+
+// What tells one state of the file from another.
+struct FileState {
+    dev_t device;
+    ino_t node;
+    off_t size;
+    timespec written;
+
+    explicit FileState(const struct stat& file)
+        : device(file.st_dev), node(file.st_ino), size(file.st_size), written(file.st_mtim) {}
+    bool operator==(const FileState& other) const noexcept {
+        return device == other.device && node == other.node && size == other.size &&
+               written.tv_sec == other.written.tv_sec && written.tv_nsec == other.written.tv_nsec;
+    }
+};
+
+bool ReadAll(int file, std::string& text) {
+    char buffer[16384];
+    for (;;) {
+        const ssize_t count = read(file, buffer, sizeof buffer);
+        if (count == 0) return true;
+        if (count > 0) {
+            text.append(buffer, static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+}
+
+// A state of the file and what it says; an absent file has no state and says nothing. The file stays open with it, so
+// that its inode cannot come back as another file and comparing inodes is enough to tell that nothing has changed.
+template <class Tree>
+struct Contents {
+    Descriptor file;
+    std::optional<FileState> state;
+    Tree tree;
+};
+using FreshContents = Contents<std::unique_ptr<RegistryTree>>;
+using KnownContents = Contents<std::shared_ptr<const RegistryTree>>;
+
+class Store {
+public:
+    RegistryView View() {
+        RegistryView view{std::unique_lock(m_mutex), ERROR_SUCCESS, nullptr, 0};
+        view.status = Refresh();
+        view.tree = m_current.tree;
+        view.version = m_version;
+        return view;
+    }
+
+    std::unique_lock<std::mutex> Lock() { return std::unique_lock(m_mutex); }
+
+    LSTATUS Change(const std::function<LSTATUS(RegistryTree&)>& change) {
+        const std::unique_lock guard(m_mutex);
+        const Descriptor turn(open(m_lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+        if (!turn) return StatusFromErrno();
+        while (flock(turn.Get(), LOCK_EX) != 0) {
+            if (errno != EINTR) return StatusFromErrno();
+        }
+        FreshContents contents;
+        if (const LSTATUS status = Read(contents); status != ERROR_SUCCESS) return status;
+        if (contents.tree->damaged) return ERROR_BADDB;
+        if (const LSTATUS status = change(*contents.tree); status != ERROR_SUCCESS) return status;
+        return Write(contents);
+    }
+
+private:
+    LSTATUS Refresh() {
+        struct stat now;
+        const bool present = stat(m_path.c_str(), &now) == 0;
+        if (!present && errno != ENOENT) return StatusFromErrno();
+        if (m_current.tree && m_current.state.has_value() == present &&
+            (!present || *m_current.state == FileState(now))) {
+            return ERROR_SUCCESS;
+        }
+        FreshContents contents;
+        if (const LSTATUS status = Read(contents); status != ERROR_SUCCESS) return status;
+        Adopt(contents);
+        return ERROR_SUCCESS;
+    }
+
+    LSTATUS Read(FreshContents& contents) const {
+        contents.file = Descriptor(open(m_path.c_str(), O_RDONLY | O_CLOEXEC));
+        if (!contents.file) {
+            if (errno != ENOENT) return StatusFromErrno();
+            contents.tree = std::make_unique<RegistryTree>();
+            return ERROR_SUCCESS;
+        }
+        // The state is taken first: whoever writes to the file while it is being read makes it a newer one.
+        struct stat file;
+        std::string text;
+        if (fstat(contents.file.Get(), &file) != 0 || !ReadAll(contents.file.Get(), text)) return StatusFromErrno();
+        contents.state.emplace(file);
+        contents.tree = text.empty() ? std::make_unique<RegistryTree>() : ParseRegistry(text);
+        return ERROR_SUCCESS;
+    }
+
+    // The new file takes the old one's place in one step: whoever is killed before leaves the old one.
+    LSTATUS Write(FreshContents& contents) {
+        const std::string fresh = m_path + ".new";
+        const std::string text = FormatRegistry(*contents.tree);
+        contents.file = Descriptor(open(fresh.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+        struct stat written;
+        if (!contents.file || WriteAll(contents.file.Get(), text.data(), text.size(), false) != text.size() ||
+            fstat(contents.file.Get(), &written) != 0 || rename(fresh.c_str(), m_path.c_str()) != 0) {
+            const LSTATUS status = StatusFromErrno();
+            unlink(fresh.c_str());
+            return status;
+        }
+        contents.state.emplace(written);
+        Adopt(contents);
+        return ERROR_SUCCESS;
+    }
+
+    void Adopt(FreshContents& contents) {
+        m_current = {std::move(contents.file), contents.state, std::move(contents.tree)};
+        ++m_version;
+    }
+
+    const std::string m_path = Home() + "/registry.reg";
+    const std::string m_lockPath = Home() + "/registry.lock";
+    std::mutex m_mutex;
+    KnownContents m_current;
+    std::uint64_t m_version = 0;
+};
+
+// Never destroyed: objects that end with the process may still ask.
+Store& TheStore() {
+    static Store* const store = new Store;
+    return *store;
+}
+
+}  // namespace
+
+RegistryView ViewRegistry() { return TheStore().View(); }
+
+std::unique_lock<std::mutex> LockRegistry() { return TheStore().Lock(); }
+
+LSTATUS ChangeRegistry(const std::function<LSTATUS(RegistryTree&)>& change) { return TheStore().Change(change); }
+
+}  // namespace wnplatform

@@ -1,0 +1,33 @@
+# The type library: descriptions, what they tell and dispatch at run time, and the tool that checks them. Variants too.
+set(description_sources
+    typelib/Canonical.cpp
+    typelib/Checker.cpp
+    typelib/Lexer.cpp
+    typelib/Parser.cpp
+    typelib/ParserAttributes.cpp
+    typelib/description.cpp
+)
+target_sources(
+    wnplatform
+    PRIVATE ${description_sources}
+            typelib/Argument.cpp
+            typelib/FuncDesc.cpp
+            typelib/Invoke.cpp
+            typelib/TypeInfo.cpp
+            typelib/TypeLib.cpp
+            typelib/loaded.cpp
+            typelib/loading.cpp
+            typelib/members.cpp
+            typelib/registration.cpp
+            typelib/registry_key.cpp
+            typelib/resource.cpp
+            typelib/texts.cpp
+            typelib/variant.cpp
+            typelib/variant_convert.cpp
+            typelib/variant_types.cpp
+)
+
+# Built from the description's own sources alone, so that it runs before the layer exists.
+add_executable(wnidl typelib/wnidl.cpp src/guid_text.cpp ${description_sources})
+target_include_directories(wnidl PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+target_link_libraries(wnidl PRIVATE wncom_options)

@@ -1,0 +1,14 @@
+// Calling a method through its object's table of functions with the arguments of a late-bound caller.
+#pragma once
+
+#include "description.h"
+
+namespace wnplatform::typelib {
+
+// Converts the arguments, calls, hands results back and answers the method's own status, or why it was not called:
+// DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND for a name, or the status of a conversion with the argument's place in
+// *argumentError. The result (null: not wanted) is overwritten, not cleared. What the method throws stays here.
+HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& params, VARIANT* result,
+                     UINT* argumentError) noexcept;
+
+}  // namespace wnplatform::typelib

@@ -1,0 +1,118 @@
+// Type libraries by their identities: their entries in the registry.
+//
+// Under HKEY_CLASSES_ROOT: TypeLib\{identity}\major.minor (both hexadecimal) holds the help text, and its subkeys
+// "0\win32" the path (for every locale, and for a 32-bit system whatever the host), FLAGS and HELPDIR.
+#include <charconv>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "description.h"
+#include "loading.h"
+#include "oleauto.h"
+#include "platform/src/guarded.h"
+#include "platform/src/texts.h"
+#include "registry_key.h"
+
+namespace wnplatform::typelib {
+namespace {
+
+constexpr WORD kAnyVersion = 0xFFFF;
+constexpr const char* kPathKey = "\\0\\win32";
+
+std::string LibraryKey(REFGUID guid) { return "TypeLib\\{" + GuidText(guid) + "}"; }
+
+std::string VersionKey(WORD major, WORD minor) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "%x.%x", unsigned{major}, unsigned{minor});
+    return text;
+}
+
+std::optional<std::pair<WORD, WORD>> ParseVersion(const std::string& text) {
+    WORD major = 0;
+    WORD minor = 0;
+    const char* last = text.data() + text.size();
+    const auto dot = std::from_chars(text.data(), last, major, 16);
+    if (dot.ec != std::errc() || dot.ptr == last || *dot.ptr != '.') return std::nullopt;
+    const auto end = std::from_chars(dot.ptr + 1, last, minor, 16);
+    if (end.ec != std::errc() || end.ptr != last) return std::nullopt;
+    return std::pair(major, minor);
+}
+
+// The path that is registered for the version, or for the highest later one of the same major number.
+std::optional<std::string> RegisteredPath(REFGUID guid, WORD major, WORD minor) {
+    const std::string library = LibraryKey(guid);
+    if (auto path = ReadClassesText(library + "\\" + VersionKey(major, minor) + kPathKey)) return path;
+    std::optional<std::pair<WORD, WORD>> best;
+    for (const std::string& name : ClassesSubkeys(library)) {
+        const auto version = ParseVersion(name);
+        if (!version || (major != kAnyVersion && (version->first != major || version->second < minor))) continue;
+        if (!best || *version > *best) best = version;
+    }
+    if (!best) return std::nullopt;
+    return ReadClassesText(library + "\\" + VersionKey(best->first, best->second) + kPathKey);
+}
+
+struct Released {
+    ITypeLib* library;
+    TLIBATTR* attributes = nullptr;
+    BSTR name = nullptr;
+    BSTR help = nullptr;
+    ~Released() {
+        if (attributes) library->ReleaseTLibAttr(attributes);
+        SysFreeString(name);
+        SysFreeString(help);
+    }
+};
+
+std::string NarrowText(LPCOLESTR text) { return text ? NarrowFromUtf8(Utf8FromWide(text)) : std::string(); }
+
+}  // namespace
+}  // namespace wnplatform::typelib
+
+using namespace wnplatform;
+using namespace wnplatform::typelib;
+
+HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID, ITypeLib** library) {
+    if (!library) return E_INVALIDARG;
+    *library = nullptr;
+    return Guarded(E_OUTOFMEMORY, [&]() -> HRESULT {
+        const std::optional<std::string> path = RegisteredPath(guid, major, minor);
+        if (!path) return TYPE_E_LIBNOTREGISTERED;
+        return LoadFrom(Utf8FromNarrow(*path), library);
+    });
+}
+
+HRESULT RegisterTypeLib(ITypeLib* library, LPCOLESTR fullPath, LPCOLESTR helpDirectory) {
+    if (!library || !fullPath) return E_INVALIDARG;
+    return Guarded(E_OUTOFMEMORY, [&] {
+        Released held{library};
+        HRESULT hr = library->GetLibAttr(&held.attributes);
+        if (SUCCEEDED(hr)) hr = library->GetDocumentation(-1, &held.name, &held.help, nullptr, nullptr);
+        if (FAILED(hr)) return hr;
+        const TLIBATTR& attributes = *held.attributes;
+        const std::string version =
+            LibraryKey(attributes.guid) + "\\" + VersionKey(attributes.wMajorVerNum, attributes.wMinorVerNum);
+        // That it came from a file is nothing that the library says of itself.
+        const unsigned flags = attributes.wLibFlags & ~unsigned{LIBFLAG_FHASDISKIMAGE};
+        const bool written = WriteClassesText(version, NarrowText(held.help ? held.help : held.name)) &&
+                             WriteClassesText(version + "\\FLAGS", std::to_string(flags)) &&
+                             WriteClassesText(version + kPathKey, NarrowText(fullPath)) &&
+                             WriteClassesText(version + "\\HELPDIR", NarrowText(helpDirectory));
+        return written ? S_OK : TYPE_E_REGISTRYACCESS;
+    });
+}
+
+HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID, SYSKIND system) {
+    if (system != SYS_WIN32) return E_INVALIDARG;
+    return Guarded(E_OUTOFMEMORY, [&] {
+        const std::string library = LibraryKey(guid);
+        const std::string version = library + "\\" + VersionKey(major, minor);
+        if (!ReadClassesText(version + kPathKey)) return TYPE_E_REGISTRYACCESS;
+        if (!RemoveClassesTree(version)) return TYPE_E_REGISTRYACCESS;
+        // Other versions keep the library's key.
+        if (ClassesSubkeys(library).empty()) RemoveClassesTree(library);
+        return S_OK;
+    });
+}

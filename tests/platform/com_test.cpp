@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <ole2.h>
+
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/TestHome.h"
+
+namespace {
+
+using wncom::test::ProgramFolder;
+
+constexpr CLSID kClass{0x1B1F5C1E, 0x0C57, 0x4B0E, {0x9A, 0x5B, 0x2A, 0x63, 0x11, 0x7E, 0x40, 0x01}};
+constexpr char kClassText[] = "{1B1F5C1E-0C57-4B0E-9A5B-2A63117E4001}";
+constexpr CLSID kUnknownClass{0x1B1F5C1E, 0x0C57, 0x4B0E, {0x9A, 0x5B, 0x2A, 0x63, 0x11, 0x7E, 0x40, 0xFF}};
+
+std::string ServerPath() { return ProgramFolder() + "/platform_server.dll"; }
+
+bool ServerIsLoaded() {
+    HMODULE module;
+    return GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, ServerPath().c_str(), &module) != FALSE;
+}
+
+void SetDefault(const std::string& path, const std::string& text) {
+    HKEY key;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr), 0);
+    EXPECT_EQ(RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                             static_cast<DWORD>(text.size() + 1)),
+              0);
+    RegCloseKey(key);
+}
+
+void Register(const std::string& module) {
+    SetDefault(std::string("CLSID\\") + kClassText + "\\InprocServer32", module);
+    SetDefault("WncomTests.Class\\CLSID", kClassText);
+}
+
+class Com : public testing::Test {
+protected:
+    void SetUp() override {
+        Register(ServerPath());
+        ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    }
+    void TearDown() override {
+        CoUninitialize();
+        RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + kClassText).c_str());
+        RegDeleteTreeA(HKEY_CLASSES_ROOT, "WncomTests.Class");
+    }
+};
+
+HRESULT Create(IUnknown** object, DWORD context = CLSCTX_INPROC_SERVER, REFCLSID clsid = kClass) {
+    return CoCreateInstance(clsid, nullptr, context, IID_IUnknown, reinterpret_cast<LPVOID*>(object));
+}
+
+TEST_F(Com, CreatesAnObjectOfARegisteredClass) {
+    CLSID clsid;
+    ASSERT_EQ(CLSIDFromProgID(OLESTR("wncomtests.CLASS"), &clsid), S_OK);
+    EXPECT_EQ(clsid, kClass);
+    IUnknown* object = nullptr;
+    ASSERT_EQ(Create(&object, 7, clsid), S_OK);
+    EXPECT_EQ(object->Release(), 0U);
+}
+
+TEST_F(Com, NeedsInitialisationOnTheCallingThread) {
+    std::thread([] {
+        auto* object = reinterpret_cast<IUnknown*>(1);
+        EXPECT_EQ(Create(&object), CO_E_NOTINITIALIZED);
+        EXPECT_EQ(object, nullptr);
+        EXPECT_EQ(CoInitialize(nullptr), S_OK);
+        EXPECT_EQ(CoInitialize(nullptr), S_FALSE);
+        CoUninitialize();
+        EXPECT_EQ(Create(&object), S_OK);
+        object->Release();
+        CoUninitialize();
+        EXPECT_EQ(Create(&object), CO_E_NOTINITIALIZED);
+    }).join();
+}
+
+TEST_F(Com, HasNoClassThatIsNotRegisteredInTheWantedContext) {
+    auto* object = reinterpret_cast<IUnknown*>(1);
+    EXPECT_EQ(Create(&object, 7, kUnknownClass), REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(Create(&object, CLSCTX_LOCAL_SERVER), REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(Create(nullptr), E_POINTER);
+    EXPECT_EQ(CoGetClassObject(kClass, 1, nullptr, IID_IClassFactory, nullptr), E_INVALIDARG);
+}
+
+TEST_F(Com, SaysWhatIsWrongWithAServer) {
+    IUnknown* object = nullptr;
+    Register(ProgramFolder() + "/absent.dll");
+    EXPECT_EQ(Create(&object), HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND));
+    Register("/proc/self/status");
+    EXPECT_TRUE(FAILED(Create(&object)));
+    Register(ProgramFolder() + "/platform_no_server.dll");
+    EXPECT_EQ(Create(&object), CO_E_ERRORINDLL);
+    EXPECT_EQ(object, nullptr);
+    Register(ServerPath());
+    ASSERT_EQ(Create(&object), S_OK);
+    object->Release();
+}
+
+TEST_F(Com, AsksTheServerForTheWantedInterfaceOnly) {
+    void* object = this;
+    EXPECT_EQ(CoCreateInstance(kClass, nullptr, 1, IID_IDispatch, &object), E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(CoGetClassObject(kClass, 1, nullptr, IID_IClassFactory, reinterpret_cast<LPVOID*>(&factory)), S_OK);
+    EXPECT_EQ(CoCreateInstance(kClass, factory, 1, IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(factory->Release(), 0U);
+}
+
+TEST_F(Com, UnloadsAServerWithoutObjectsOnly) {
+    IUnknown* object = nullptr;
+    ASSERT_EQ(Create(&object), S_OK);
+    CoFreeUnusedLibraries();
+    EXPECT_TRUE(ServerIsLoaded());
+    object->Release();
+    EXPECT_TRUE(ServerIsLoaded());
+    CoFreeUnusedLibraries();
+    EXPECT_FALSE(ServerIsLoaded());
+    ASSERT_EQ(Create(&object), S_OK);
+    object->Release();
+}
+
+TEST_F(Com, UnloadsItsServersWithTheProcesssLastUninitialisation) {
+    IUnknown* object = nullptr;
+    ASSERT_EQ(Create(&object), S_OK);
+    object->Release();
+    std::thread([] {
+        CoInitialize(nullptr);
+        CoUninitialize();
+    }).join();
+    EXPECT_TRUE(ServerIsLoaded());
+    CoUninitialize();
+    EXPECT_FALSE(ServerIsLoaded());
+    CoInitialize(nullptr);
+}
+
+TEST_F(Com, CreatesAndUnloadsFromManyThreadsAtOnce) {
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            CoInitialize(nullptr);
+            for (int i = 0; i < 200; ++i) {
+                IUnknown* object = nullptr;
+                EXPECT_EQ(Create(&object), S_OK);
+                if (object) object->Release();
+            }
+            CoUninitialize();
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    CoFreeUnusedLibraries();
+    EXPECT_FALSE(ServerIsLoaded());
+}
+
+TEST_F(Com, KnowsNoClassUnderATextThatNamesNone) {
+    CLSID clsid = kClass;
+    SetDefault("WncomTests.Class\\CLSID", "{not a class}");
+    for (const OLECHAR* text : {OLESTR("WncomTests.Class"), OLESTR("WncomTests.None"), OLESTR("")}) {
+        EXPECT_EQ(CLSIDFromProgID(text, &clsid), CO_E_CLASSSTRING);
+        EXPECT_EQ(clsid, GUID_NULL);
+    }
+    EXPECT_EQ(CLSIDFromProgID(nullptr, &clsid), E_INVALIDARG);
+    EXPECT_EQ(CLSIDFromProgID(OLESTR("x"), nullptr), E_INVALIDARG);
+}
+
+TEST(Guids, GoThroughTheirText) {
+    OLECHAR text[39];
+    ASSERT_EQ(StringFromGUID2(kClass, text, 39), 39);
+    EXPECT_EQ(wcscmp(text, OLESTR("{1B1F5C1E-0C57-4B0E-9A5B-2A63117E4001}")), 0);
+    EXPECT_EQ(StringFromGUID2(kClass, text, 38), 0);
+    CLSID back;
+    ASSERT_EQ(CLSIDFromString(OLESTR("{1b1f5c1e-0c57-4b0e-9a5b-2a63117e4001}"), &back), S_OK);
+    EXPECT_EQ(back, kClass);
+    EXPECT_EQ(CLSIDFromString(OLESTR("{1b1f5c1e-0c57-4b0e-9a5b-2a63117e400}"), &back), CO_E_CLASSSTRING);
+    EXPECT_EQ(CLSIDFromString(nullptr, &back), S_OK);
+    EXPECT_EQ(back, GUID_NULL);
+}
+
+TEST(Guids, AreRandomAndDiffer) {
+    const auto less = [](const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof a) < 0; };
+    std::set<GUID, decltype(less)> seen(less);
+    for (int i = 0; i < 2000; ++i) {
+        GUID guid;
+        ASSERT_EQ(CoCreateGuid(&guid), S_OK);
+        EXPECT_EQ(guid.Data3 >> 12, 4);
+        EXPECT_EQ(guid.Data4[0] >> 6, 2);
+        EXPECT_TRUE(seen.insert(guid).second);
+    }
+}
+
+}  // namespace

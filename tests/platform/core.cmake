@@ -1,0 +1,36 @@
+# Tests of the core: texts, errors, paths, the registry, COM and modules.
+
+# The modules that the tests load and the classes in them.
+wncom_add_module(
+    platform_server
+    EXPORTS DllGetClassObject DllCanUnloadNow Answer
+    SOURCES modules/server.cpp
+)
+wncom_add_module(platform_refusing EXPORTS Answer SOURCES modules/refusing.cpp)
+wncom_add_module(platform_throwing EXPORTS Answer SOURCES modules/throwing.cpp)
+wncom_add_module(platform_no_server EXPORTS Answer SOURCES modules/no_server.cpp)
+
+wncom_add_test(
+    platform_core_test
+    LABELS threads
+    DEPENDS platform_server platform_refusing platform_throwing platform_no_server
+    SOURCES bstr_test.cpp
+            code_pages_test.cpp
+            com_test.cpp
+            errors_test.cpp
+            modules_test.cpp
+            registry_test.cpp
+            runtime_text_test.cpp
+)
+if(NOT WIN32)
+    target_sources(
+        platform_core_test
+        PRIVATE errors_linux_test.cpp guids_linux_test.cpp modules_linux_test.cpp paths_linux_test.cpp
+                registry_file_linux_test.cpp
+    )
+    target_compile_definitions(
+        platform_core_test PRIVATE WNCOM_STATUS_HEADER="${CMAKE_SOURCE_DIR}/platform/include/winerror.h"
+    )
+
+    wncom_add_test(platform_registry_processes_test SOURCES registry_processes_linux_test.cpp)
+endif()

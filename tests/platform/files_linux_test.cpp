@@ -1,0 +1,95 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <string>
+
+#include "tests/platform/Peer.h"
+#include "tests/support/TestHome.h"
+
+namespace wncom::test {
+namespace {
+
+HANDLE Open(const std::string& path, DWORD access, SECURITY_ATTRIBUTES* security = nullptr) {
+    return CreateFileA(path.c_str(), access, 0, security, OPEN_ALWAYS, 0, nullptr);
+}
+
+mode_t ModeOf(const std::string& path) {
+    struct stat status {};
+    stat(path.c_str(), &status);
+    return status.st_mode & 0777;
+}
+
+TEST(FilesOnLinux, AFullDiskIsTold) {
+    const HANDLE full = Open("/dev/full", GENERIC_WRITE);
+    DWORD written = 99;
+    EXPECT_FALSE(WriteFile(full, "x", 1, &written, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DISK_FULL});
+    EXPECT_EQ(written, 0U);
+    EXPECT_TRUE(CloseHandle(full));
+}
+
+TEST(FilesOnLinux, APipeWithoutReaderFailsTheWriteAndNotTheProcess) {
+    const std::string path = InHome("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    const HANDLE pipe = Open(path, GENERIC_WRITE);
+    DWORD written = 99;
+    EXPECT_TRUE(WriteFile(pipe, "x", 1, &written, nullptr));
+    close(reader);
+    EXPECT_FALSE(WriteFile(pipe, "x", 1, &written, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_DATA});
+    EXPECT_TRUE(CloseHandle(pipe));
+}
+
+TEST(FilesOnLinux, ANullAccessListOpensANewFileToEveryone) {
+    const mode_t mask = umask(0077);
+    SECURITY_DESCRIPTOR descriptor;
+    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
+    SECURITY_ATTRIBUTES everyone{sizeof(everyone), &descriptor, TRUE};
+    EXPECT_TRUE(CloseHandle(Open(InHome("everyone"), GENERIC_WRITE, &everyone)));
+    EXPECT_TRUE(CloseHandle(Open(InHome("mine"), GENERIC_WRITE)));
+    EXPECT_TRUE(CloseHandle(Open(InHome("mine"), GENERIC_WRITE, &everyone)));
+    umask(mask);
+    EXPECT_EQ(ModeOf(InHome("everyone")), 0666U);
+    EXPECT_EQ(ModeOf(InHome("mine")), 0600U);
+}
+
+TEST(FilesOnLinux, ALinkToNothingIsRefusedInTheEnd) {
+    ASSERT_EQ(symlink("/nowhere/at/all", InHome("link").c_str()), 0);
+    EXPECT_EQ(Open(InHome("link"), GENERIC_WRITE), INVALID_HANDLE_VALUE);
+}
+
+TEST(FilesOnLinux, StandardOutputReceivesEveryByte) {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    ASSERT_EQ(GetStdHandle(STD_OUTPUT_HANDLE), output);
+    testing::internal::CaptureStdout();
+    DWORD written = 0;
+    const std::string text("100% \r\n\0\xE9", 9);
+    EXPECT_TRUE(WriteFile(output, text.data(), 9, &written, nullptr));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), text);
+}
+
+TEST(FilesOnLinux, TheCurrentFolderLeadsAFullPath) {
+    ASSERT_EQ(chdir(HomePath().c_str()), 0);
+    char full[MAX_PATH];
+    char* part = nullptr;
+    GetFullPathNameA("sub\\..\\x.txt", sizeof(full), full, &part);
+    EXPECT_EQ(full, HomePath() + "/x.txt");
+    EXPECT_STREQ(part, "x.txt");
+    GetFullPathNameA("\\qbv-event.log", sizeof(full), full, nullptr);
+    EXPECT_STREQ(full, "C:\\qbv-event.log");
+}
+
+TEST(FilesOnLinux, TheDriveLiesInTheHome) {
+    const HANDLE file = Open("\\qbv-event.log", GENERIC_WRITE);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_EQ(access(InHome("drive_c/qbv-event.log").c_str(), F_OK), 0);
+}
+
+}  // namespace
+}  // namespace wncom::test

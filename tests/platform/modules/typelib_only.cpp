@@ -1,0 +1,2 @@
+// A module that is there for its type library.
+extern "C" int Answer() { return 42; }

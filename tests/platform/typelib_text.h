@@ -1,0 +1,37 @@
+// A type library as text, one line a member, for comparing whole ones at a glance.
+#pragma once
+
+#include <windows.h>
+
+#include <ole2.h>
+
+#include <memory>
+#include <string>
+
+namespace wncom::test {
+
+struct ReleaseObject {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+template <class T>
+using Held = std::unique_ptr<T, ReleaseObject>;
+
+// Loads the type library of a module beside the test program, or of a file given by its whole path. Null on failure.
+Held<ITypeLib> LoadLibraryOf(const std::string& file);
+
+// The view of a type through its table of functions: that of the partner for a dual one.
+Held<ITypeInfo> TableView(ITypeInfo& type);
+// The type that another one refers to.
+Held<ITypeInfo> Referenced(ITypeInfo& type, UINT implementedIndex);
+
+std::string NameOf(ITypeInfo& type, MEMBERID member = MEMBERID_NIL);
+
+// "NAME flags=0x.. : BASE "help"", then for each member of its own "SLOT ID NAME(in BSTR a, out BSTR* b) "help"".
+std::string InterfaceText(ITypeInfo& type);
+// "NAME flags=0x.. "help"", then for each interface "FLAGS NAME".
+std::string ClassText(ITypeInfo& type);
+
+std::basic_string<OLECHAR> Wide(const std::string& ascii);
+std::string Narrow(BSTR text);
+
+}  // namespace wncom::test
