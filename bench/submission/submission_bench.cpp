@@ -1,0 +1,157 @@
+// A submission through agent, bridge and factory with a transport library that answers at once, beside a bare HTTP
+// POST of the same ticket to wndevice on loopback.
+#include <benchmark/benchmark.h>
+#include <curl/curl.h>
+#include <windows.h>
+
+#include <ole2.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "bench/PairedRatio.h"
+#include "tests/support/Com.h"
+#include "tests/support/DeviceProcess.h"
+#include "tests/support/TestHome.h"
+#include "wncom/Descriptions.h"
+#include "wncom/wnCOM.h"
+
+namespace wncom::bench {
+namespace {
+
+using namespace wncom::test;
+
+constexpr std::size_t kPairs = 41;
+constexpr std::size_t kSubmissions = 50;  // in a slice
+constexpr const char* kLoggingKey = "SOFTWARE\\Quillbeck\\QBNorvel\\Logging";
+constexpr const char* kAddress = "http://127.0.0.1/service";
+
+void Require(bool held, const char* what) {
+    if (!held) throw std::runtime_error(what);
+}
+
+// A home in which the road needs no service, and an agent on it.
+class Road {
+public:
+    explicit Road(const std::string& logging)
+        : m_library(ProgramFolder() + "/wnCOM.dll"), m_components(ProgramFolder() + "/wnComponents.dll") {
+        Require(SUCCEEDED(m_library.Call("DllRegisterServer")), "wnCOM.dll cannot be registered");
+        Require(SUCCEEDED(m_components.Call("DllRegisterServer")), "wnComponents.dll cannot be registered");
+        WriteWholeFile(HomePath() + "/Transports.xml",
+                       "<t><networkmapping>bench</networkmapping><path>.</path><transportdlls><jobcontrol><dll>"
+                       "<type>bench</type><name>BenchTransport.dll</name></dll></jobcontrol></transportdlls></t>");
+        WriteWholeFile(HomePath() + "/windows/portmap.xml",
+                       std::string("<portmap><device name=\"bench\"><service name=\"jobs\" address=\"") + kAddress +
+                           "\" transport=\"network\"/></device></portmap>");
+        SetRegistryValue(kLoggingKey, "pathtotransportsxml", HomePath() + "/");
+        SetRegistryValue(kLoggingKey, "builddllpath", ProgramFolder() + "/");
+        SetRegistryValue(kLoggingKey, nullptr, logging);
+        const auto service = Create<IServiceDesc>(kProgIdServiceDesc);
+        service->SetID(Text("bench").get());
+        service->SetAddress(Text(kAddress).get());
+        const auto parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
+        Require(SUCCEEDED(parent->CreateWendrel(service.get(), m_agent.put())), "no agent");
+    }
+
+    void Submit(const Bstr& ticket) {
+        CPComPtr<IUnknown> answer;
+        Require(m_agent->SendIntentTicket(ticket.get(), answer.put()) == S_OK, "a submission failed");
+    }
+
+private:
+    LoadedModule m_library;
+    LoadedModule m_components;
+    Apartment m_apartment;
+    CPComPtr<IWendrel> m_agent;
+};
+
+std::size_t Ignore(char*, std::size_t size, std::size_t count, void*) { return size * count; }
+std::size_t Keep(char* bytes, std::size_t size, std::size_t count, void* text) {
+    static_cast<std::string*>(text)->append(bytes, size * count);
+    return size * count;
+}
+
+// Posts tickets over one kept connection, in one session.
+class BarePost {
+public:
+    explicit BarePost(const std::string& address) : m_jobs(address + "/jobs"), m_curl(curl_easy_init()) {
+        std::string session;
+        curl_easy_setopt(m_curl.get(), CURLOPT_URL, (address + "/sessions").c_str());
+        curl_easy_setopt(m_curl.get(), CURLOPT_POSTFIELDS, "");
+        curl_easy_setopt(m_curl.get(), CURLOPT_WRITEFUNCTION, Keep);
+        curl_easy_setopt(m_curl.get(), CURLOPT_WRITEDATA, &session);
+        Perform();
+        curl_easy_setopt(m_curl.get(), CURLOPT_URL, m_jobs.c_str());
+        curl_easy_setopt(m_curl.get(), CURLOPT_WRITEFUNCTION, Ignore);
+        m_session = "Session-Id: " + session;
+    }
+
+    void Post(const std::string& ticket) {
+        char id[64];
+        std::snprintf(id, sizeof(id), "Request-Id: %032zx", ++m_number);
+        curl_slist* headers = curl_slist_append(nullptr, m_session.c_str());
+        for (const char* header : {id, "Content-Type: application/xml", "Expect:"}) {
+            headers = curl_slist_append(headers, header);
+        }
+        curl_easy_setopt(m_curl.get(), CURLOPT_HTTPHEADER, headers);
+        curl_easy_setopt(m_curl.get(), CURLOPT_POSTFIELDS, ticket.c_str());
+        curl_easy_setopt(m_curl.get(), CURLOPT_POSTFIELDSIZE, static_cast<long>(ticket.size()));
+        Perform();
+        curl_slist_free_all(headers);
+    }
+
+private:
+    struct Cleanup {
+        void operator()(CURL* curl) const { curl_easy_cleanup(curl); }
+    };
+
+    void Perform() {
+        Require(curl_easy_perform(m_curl.get()) == CURLE_OK, "a bare POST failed");
+        long status = 0;
+        curl_easy_getinfo(m_curl.get(), CURLINFO_RESPONSE_CODE, &status);
+        Require(status == 201, "wndevice refused a bare POST");
+    }
+
+    std::string m_jobs;
+    std::string m_session;
+    std::size_t m_number = 0;
+    std::unique_ptr<CURL, Cleanup> m_curl;
+};
+
+void Submission(benchmark::State& state, std::size_t bytes, const std::string& logging) {
+    const std::string ticket = "<ticket>" + std::string(bytes - 17, 't') + "</ticket>";
+    const Bstr wideTicket = Text(ticket);
+    const DeviceProcess device({"--quiet"});
+    BarePost post(device.Address());
+    Road road(logging);
+    Report(state, ComparePairs(
+                      kPairs, kSubmissions,
+                      [&] {
+                          for (std::size_t i = 0; i < kSubmissions; ++i) road.Submit(wideTicket);
+                      },
+                      [&] {
+                          for (std::size_t i = 0; i < kSubmissions; ++i) post.Post(ticket);
+                      }));
+}
+
+}  // namespace
+}  // namespace wncom::bench
+
+int main(int argc, char** argv) {
+    using wncom::bench::Submission;
+    const std::string file = "file," + wncom::test::HomePath() + "/bench.log,3";
+    for (const auto& [name, bytes] :
+         {std::pair{"1 KB", std::size_t{1} << 10}, std::pair{"64 KB", std::size_t{64} << 10}}) {
+        for (const auto& [kind, logging] :
+             {std::pair{"logging off", std::string("none")}, std::pair{"level 3", file}}) {
+            wncom::bench::Register(std::string("submission of ") + name + ", " + kind + " / bare POST",
+                                   [bytes, logging](benchmark::State& state) { Submission(state, bytes, logging); });
+        }
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,0 +1,98 @@
+#include <windows.h>
+
+#include <ole2.h>
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+#include "common/CPWStringBuffer.h"
+#include "wncom/CPComPtr.h"
+#include "wncom/Logging.h"
+
+namespace wncom {
+namespace {
+
+constexpr char kForceKey[] = "SOFTWARE\\Quillbeck\\QBNorvel\\ForceToOutOfProc";
+constexpr DWORD kForceValueBytes = 260;
+
+struct KeyClose {
+    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
+};
+using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyClose>;
+
+// Any terminated text counts, whatever it says.
+bool HasText(HKEY key, const char* name) noexcept {
+    BYTE data[kForceValueBytes];
+    DWORD size = sizeof(data);
+    DWORD type = REG_NONE;
+    if (RegQueryValueExA(key, name, nullptr, &type, data, &size) != ERROR_SUCCESS) return false;
+    return (type == REG_SZ || type == REG_EXPAND_SZ) && size > 0 && size <= sizeof(data) && data[size - 1] == 0;
+}
+
+// Administrators keep an unstable component out of the client's process by a text value of its name.
+DWORD ChooseContext(LPCOLESTR progId) noexcept {
+    constexpr DWORD kAnywhere = CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER;
+    CPBstrBuffer temp(progId);
+    WNCOM_LOG(8, "PlatformServices::CreateInstance() just created temp");
+
+    HKEY opened = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kForceKey, 0, KEY_READ, &opened) != ERROR_SUCCESS) {
+        WNCOM_LOG(8, "PlatformServices::CreateInstance() could not find forcekey");
+        return kAnywhere;
+    }
+    const OwnedKey key(opened);
+    WNCOM_LOG(8, "PlatformServices::CreateInstance() found forcekey");
+    // A null name would read the key's default value.
+    const char* name = temp.GetMultiByte();
+    if (name && HasText(key.get(), name)) {
+        WNCOM_LOG(8, "PlatformServices::CreateInstance() found string value in forcekey");
+        return CLSCTX_LOCAL_SERVER;
+    }
+    WNCOM_LOG(8, "PlatformServices::CreateInstance() string value in forcekey not found");
+    return kAnywhere;
+}
+
+}  // namespace
+
+HRESULT CreateComponentInstance(LPCOLESTR progId, LPCOLESTR moduleFile, REFIID iid, void** object) noexcept {
+    WNCOM_LOG(5, "PlatformServices::CreateInstance() Entering");
+    WNCOM_LOG(1, "CI 1");
+    WNCOM_LOG(1, "CI 2");
+    if (void* held = std::exchange(*object, nullptr)) static_cast<IUnknown*>(held)->Release();
+    WNCOM_LOG(1, "CI 3");
+
+    CLSID clsid{};
+    HRESULT status = CLSIDFromProgID(progId, &clsid);
+    if (FAILED(status) && moduleFile) {
+        WNCOM_LOG(2, "PlatformServices::CreateInstance() CLSIDFromProgID failed");
+        // Whatever came of it, the second look-up tells whether it helped.
+        RegisterComponentModule(moduleFile, true);
+        status = CLSIDFromProgID(progId, &clsid);
+        WNCOM_LOG(1, "CI 4 ret: -- %08lx\n", status);
+    }
+
+    if (SUCCEEDED(status)) {
+        WNCOM_LOG(8, "PlatformServices::CreateInstance() CLSIDFromProgID succeeded");
+        status = E_FAIL;
+        try {
+            status = CoCreateInstance(clsid, nullptr, ChooseContext(progId), iid, object);
+        } catch (...) {
+            WNCOM_LOG(1, "CI 5");
+            // Not released: a component that threw half way may have left anything there.
+            *object = nullptr;
+            WNCOM_LOG(1, "PlatformServices::CreateInstance() caught exception.");
+        }
+    } else {
+        WNCOM_LOG(1, "PlatformServices::CreateInstance() unable to resolve CLSID");
+    }
+
+    if (FAILED(status)) {
+        WNCOM_LOG(1, "PlatformServices::CreateInstance() returning FAIL.");
+    } else {
+        WNCOM_LOG(8, "PlatformServices::CreateInstance() returning SUCCESS.");
+    }
+    return status;
+}
+
+}  // namespace wncom

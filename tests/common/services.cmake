@@ -1,0 +1,30 @@
+wncom_add_test(
+    string_buffer_test
+    LIBRARIES wncom_services
+    SOURCES string_buffer_editing_test.cpp string_buffer_model_test.cpp string_buffer_storage_test.cpp
+            string_buffer_text_test.cpp
+)
+
+wncom_add_module(
+    SampleComponent
+    EXPORTS DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer
+    SOURCES SampleComponent.cpp
+)
+# A module that cannot be registered.
+wncom_add_module(
+    SampleBareModule
+    EXPORTS DllCanUnloadNow
+    SOURCES SampleBareModule.cpp
+)
+wncom_add_test(
+    creation_test
+    LIBRARIES wncom_services
+    DEPENDS SampleBareModule SampleComponent
+    SOURCES component_creation_test.cpp component_registration_test.cpp
+)
+# Replaces a function of the system, so it is a program of its own.
+wncom_add_test(
+    creation_throw_test
+    LIBRARIES wncom_services
+    SOURCES component_throw_test.cpp
+)
