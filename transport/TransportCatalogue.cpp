@@ -1,0 +1,153 @@
+// Reading "Transports.xml": where it is, and what it lists.
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "common/CPException.h"
+#include "transport/JobControlFactory.h"
+#include "wncom/Bstr.h"
+
+namespace wncom {
+namespace {
+
+constexpr const OLECHAR* kCatalogueFile = OLESTR("Transports.xml");
+constexpr const OLECHAR* kNetworkMappingQuery = OLESTR("./networkmapping");
+constexpr const OLECHAR* kPathQuery = OLESTR("./path");
+constexpr const OLECHAR* kDllQuery = OLESTR("./transportdlls/jobcontrol/dll[");
+constexpr LONG kFirstMatch = 4;
+constexpr LONG kAllMatches = 0;
+
+// The formats take one status.
+[[noreturn]] void FailWith(const char* format, HRESULT status) {
+    char text[128];
+    std::snprintf(text, sizeof(text), format, static_cast<int>(status));
+    Log(2, text);
+    throw CPException(text, status);
+}
+
+HRESULT GetXML(IXMLSimpleAccessor& accessor, const OLECHAR* query, LONG flag, CPBstrBuffer& text) {
+    const Bstr copy(query);
+    return copy ? accessor.GetXML(copy.get(), flag, text.put()) : E_OUTOFMEMORY;
+}
+
+bool NothingFound(HRESULT status) { return FAILED(status) || status == S_FALSE; }
+
+// The query for one part of the index-th dll element, counted from 1.
+CPBstrBuffer DllQuery(int index, const OLECHAR* part) {
+    CPBstrBuffer query(kDllQuery);
+    query.Append(std::to_string(index).c_str());
+    query.Append(OLESTR("]/"));
+    query.Append(part);
+    return query;
+}
+
+// A text that the accessor gave without any storage is an empty one.
+std::basic_string<WCHAR> String(const CPBstrBuffer& text) {
+    return text.Text() ? std::basic_string<WCHAR>(text.Text()) : std::basic_string<WCHAR>();
+}
+
+}  // namespace
+
+CPComPtr<IXMLSimpleAccessor> JobControlFactory::GetAccessor() {
+    Log(3, "Entering JobControlFactory::GetAccessor()");
+    try {
+        m_WorkingDir.Assign(GetPathToTransportsXMLFromRegistry().Text());
+    } catch (const CPException& exception) {
+        Log(2, "JobControlFactory::GetAccessor() got exception from GetPathTo....(): %s", exception.what());
+        throw CPException("JobControlFactory::GetAccessor() got exception from GetPathTo....()", E_FAIL);
+    }
+    WNCOM_LOG(4, "JobControlFactory::GetAccessor() - workingDir from GetPathTo....(): %s",
+              m_WorkingDir.GetMultiByte());
+    m_WorkingDir.Append(kCatalogueFile);
+    WNCOM_LOG(4, "JobControlFactory::GetAccessor() - full path to transports file: %s", m_WorkingDir.GetMultiByte());
+
+    CPComPtr<IXMLSimpleAccessor> accessor;
+    HRESULT status = accessor.CreateInstance(kProgIdXMLSimpleAccessor);
+    if (SUCCEEDED(status) && !accessor) status = E_POINTER;
+    if (FAILED(status)) {
+        Log(2, "JobControlFactory::GetAccessor(), failed to create instance of XMLSimpleAccessor");
+    } else {
+        Log(4, "JobControlFactory::GetAccessor() - create simple accessor succeeded");
+        const Bstr path(m_WorkingDir.Text());
+        status = path ? accessor->LoadXML(path.get()) : E_OUTOFMEMORY;
+        if (SUCCEEDED(status)) {
+            Log(4, "JobControlFactory::GetAccessor(), load XML succeeded.");
+            return accessor;
+        }
+        Log(2, "JobControlFactory::GetAccessor(), problem loading XML");
+    }
+    FailWith("JobControlFactory::GetAccessor(), error code:%d see log messages", status);
+}
+
+void JobControlFactory::LoadTransportInfo(CPComPtr<IXMLSimpleAccessor> accessor) {
+    constexpr const char* kFailure = "JobControlFactory::LoadTransportInfo(), error code:%d see log messages";
+    Log(3, "Entering JobControlFactory::LoadTransportInfo()");
+    const Bstr delimiter(OLESTR(";"));
+    if (const HRESULT status = accessor->SetDelimiter(delimiter.get()); FAILED(status)) {
+        Log(2, "JobControlFactory::LoadTransportInfo(), unable to set delimiter");
+        FailWith(kFailure, status);
+    }
+    Log(4, "JobControlFactory::LoadTransportInfo(), create SimpleAccessor succeeded");
+
+    Log(4, "JobControlFactory::LoadTransportInfo(), CPNMPath: %S", kNetworkMappingQuery);
+    CPBstrBuffer networkMapping;
+    if (NothingFound(GetXML(*accessor.get(), kNetworkMappingQuery, kFirstMatch, networkMapping))) {
+        Log(2, "JobControlFactory::LoadTransportInfo(), GetXML on network mapping failed");
+        FailWith(kFailure, E_FAIL);
+    }
+    m_NetworkMapping = std::move(networkMapping);
+    Log(4, "JobControlFactory::LoadTransportInfo(), network mapping: %S", m_NetworkMapping.Text());
+
+    Log(4, "JobControlFactory::LoadTransportInfo(), CPPathPath: %S", kPathQuery);
+    CPBstrBuffer path;
+    if (NothingFound(GetXML(*accessor.get(), kPathQuery, kFirstMatch, path))) {
+        Log(2, "JobControlFactory::LoadTransportInfo(), GetXML on path failed");
+        FailWith(kFailure, E_FAIL);
+    }
+    WNCOM_LOG(4, "JobControlFactory::LoadTransportInfo(), CPResultPath: %s", path.GetMultiByte());
+
+    try {
+        m_BuildDllPath.Assign(GetPathToBuildDllsFromRegistry().Text());
+    } catch (const CPException& exception) {
+        Log(2, "JobControlFactory::LoadTransportInfo() got exception from GetPathTo....(): %s", exception.what());
+        throw CPException("JobControlFactory::LoadTransportInfo() got exception from GetPathTo....()", E_FAIL);
+    }
+    WNCOM_LOG(4, "JobControlFactory::LoadTransportInfo(), path: %s", m_BuildDllPath.GetMultiByte());
+
+    if (const HRESULT status = LoadDlls(*accessor.get()); FAILED(status)) FailWith(kFailure, status);
+}
+
+HRESULT JobControlFactory::LoadDlls(IXMLSimpleAccessor& accessor) {
+    CPBstrBuffer type;
+    CPBstrBuffer name;
+    for (int index = 1;; ++index) {
+        const CPBstrBuffer typeQuery = DllQuery(index, OLESTR("type"));
+        const CPBstrBuffer nameQuery = DllQuery(index, OLESTR("name"));
+        Log(4, "JobControlFactory::LoadTransportInfo(), getIndex is now: %d", index);
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathTypeTrack: %S", typeQuery.Text());
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathNameTrack: %S", nameQuery.Text());
+
+        // The list ends where no further type is found.
+        if (NothingFound(GetXML(accessor, typeQuery.Text(), kAllMatches, type))) {
+            Log(2, "JobControlFactory::LoadTransportInfo(), GetXML on type failed");
+            return S_OK;
+        }
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPResultType: %S", type.Text());
+
+        if (const HRESULT status = GetXML(accessor, nameQuery.Text(), kAllMatches, name); NothingFound(status)) {
+            Log(4, "JobControlFactory::LoadTransportInfo(), XML name get failed");
+            return status;
+        }
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPResultName: %S", name.Text());
+
+        if (m_Dlls.emplace(String(type), String(name)).second) {
+            Log(4,
+                "JobControlFactory::LoadTransportInfo(), successfully inserted into dlls map a type/name pair for %S",
+                type.Text());
+        } else {
+            Log(4, "JobControlFactory::LoadTransportInfo(), type/name pair for %S already in dlls map", type.Text());
+        }
+    }
+}
+
+}  // namespace wncom
