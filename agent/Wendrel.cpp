@@ -1,0 +1,126 @@
+#include "agent/Wendrel.h"
+
+#include "common/Guard.h"
+#include "common/server/Object.h"
+#include "wncom/Bstr.h"
+#include "wncom/TraceScope.h"
+
+namespace wncom {
+
+CWendrel::CWendrel() {
+    m_logging.Start("CWendrel");
+    const TraceScope trace("CWendrel::CWendrel", "Wendrel", __LINE__);
+}
+
+CWendrel::~CWendrel() {
+    const TraceScope trace("CWendrel::~CWendrel", "Wendrel", __LINE__);
+    m_serviceDesc.Release();
+    m_transportDesc.Release();
+    m_logging.End();
+}
+
+void* CWendrel::FindInterface(REFIID iid) noexcept {
+    if (iid == IID_IUnknown || iid == IID_IDispatch) return static_cast<IWendrel*>(this);
+    return server::FindAmong<IWendrel, IWNInitByParent, IComBaseEvent, ISessionControl, IJobControl, IWNXDMAccess,
+                             IWNEventAccess>(this, iid);
+}
+
+bool ValidateSD(IServiceDesc& sd) {
+    Bstr text;
+    if (FAILED(sd.GetID(text.put())) || text.empty()) {
+        Log(1, "ValidateSD() ID failed\n");
+        return false;
+    }
+    if (FAILED(sd.GetAddress(text.put())) || text.empty()) {
+        Log(1, "ValidateSD() address failed\n");
+        return false;
+    }
+    return true;
+}
+
+HRESULT CWendrel::InitByParent(IUnknown* pISD, IUnknown* pTD) {
+    return Guarded([&] {
+        const TraceScope trace("CWendrel::InitByParent", "Wendrel", __LINE__);
+        return Initialise(pISD, pTD);
+    });
+}
+
+HRESULT CWendrel::Initialise(IUnknown* serviceDescription, IUnknown* transportDescription) {
+    if (!transportDescription) return E_FAIL;
+    if (m_serviceDesc) return E_UNEXPECTED;
+
+    // Nothing is kept before both are known to be good.
+    CPComPtr<ITransportDesc> transport;
+    if (FAILED(transportDescription->QueryInterface(ITransportDesc::kIid, transport.put_void()))) return E_FAIL;
+    CPComPtr<IServiceDesc> service;
+    if (serviceDescription) {
+        const HRESULT status = serviceDescription->QueryInterface(IServiceDesc::kIid, service.put_void());
+        if (FAILED(status)) {
+            Log(1, "Couldn't get SD interface - %08lx\n", status);
+            service.detach();  // what a failed query leaves behind is nobody's reference
+        }
+    }
+    if (!transport || !service || !ValidateSD(*service.get())) return E_FAIL;
+    m_transportDesc = transport;
+    m_serviceDesc = service;
+
+    Bstr address;
+    const HRESULT status = m_serviceDesc->GetAddress(address.put());
+    if (FAILED(status) || !address) {
+        Log(1, "failed SD->GetAddress()==%08lx\n", status);
+        return status;
+    }
+    Log(3, "ServiceURI=%S\n", address.get());
+    m_bridge.SetServiceURI(address.get());
+    return status;
+}
+
+HRESULT CWendrel::StartSession() {
+    return Guarded([&] { return StartSessionOfService(); });
+}
+
+HRESULT CWendrel::StartSessionOfService() {
+    const TraceScope trace("CWendrel::StartSession", "Wendrel", __LINE__);
+    if (!m_serviceDesc) return E_UNEXPECTED;
+    Bstr address;
+    const HRESULT status = m_serviceDesc->GetAddress(address.put());
+    if (FAILED(status) || !address) {
+        Log(1, "failed StartSession SD->GetAddress()==%08lx\n", status);
+        return status;
+    }
+    Log(3, "ServiceURI=%S\n", address.get());
+    m_bridge.SetServiceURI(address.get());
+    const MallocText<WCHAR> context = m_bridge.StartSession();
+    Log(3, "szWc is %Sn", context.get());
+    if (context) m_transportDesc->SetSessionContext(Bstr(context.get()).get());
+    return status;
+}
+
+HRESULT CWendrel::EndSession() {
+    return Guarded([&] { return EndSessionOfService(); });
+}
+
+HRESULT CWendrel::EndSessionOfService() {
+    const TraceScope trace("CWendrel::EndSession", "Wendrel", __LINE__);
+    if (!m_serviceDesc) return E_UNEXPECTED;
+    Bstr address;
+    const HRESULT status = m_serviceDesc->GetAddress(address.put());
+    if (FAILED(status) || !address) {
+        Log(1, "failed SD->GetAddress()==%08lx\n", status);
+        return status;
+    }
+    Log(3, "ServiceURI=%S\n", address.get());
+    m_bridge.SetServiceURI(address.get());
+    m_bridge.EndSession();
+    return status;
+}
+
+HRESULT CWendrel::RestartSession() {
+    return Guarded([&] {
+        const TraceScope trace("CWendrel::RestartSession", "Wendrel", __LINE__);
+        if (m_transportDesc) m_transportDesc->SetSessionContext(nullptr);
+        return StartSessionOfService();
+    });
+}
+
+}  // namespace wncom

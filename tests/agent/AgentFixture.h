@@ -1,0 +1,55 @@
+// A client's view of the agent: everything through registration, CoCreateInstance and interfaces. The outside
+// components and the transport library are the scripted fakes.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/fakes/FakeScript.h"
+#include "tests/support/Com.h"
+#include "tests/support/TestHome.h"
+#include "wncom/Descriptions.h"
+#include "wncom/wnCOM.h"
+
+namespace wncom::test {
+
+inline constexpr const char* kLoggingKey = "SOFTWARE\\Quillbeck\\QBNorvel\\Logging";
+inline constexpr const char* kAddress = "http://device/service";
+inline constexpr const char* kResponse =
+    "<R><PostURI>http://device/data/7</PostURI><JobUri>http://device/job/7</JobUri></R>";
+
+// Registers wnCOM and the fakes, writes a configuration with which a submission succeeds, and fails a test that
+// leaves an object or a module lock behind.
+class AgentFixture : public testing::Test {
+protected:
+    AgentFixture();
+    ~AgentFixture() override;
+
+    // Back to the script and the settings that the test began with.
+    void Prepare();
+    // What the log holds, as "level message"; lines of the call trace and of the creation markers are left out.
+    std::vector<std::string> Log() const;
+    void ClearLog();
+
+    // A service description of the fakes, without a trace in the script.
+    CPComPtr<IServiceDesc> Service(const char* id = "device-7", const char* address = kAddress);
+    // An agent that the parent made; a failed test when it did not.
+    CPComPtr<IWendrel> Agent();
+    template <class Interface>
+    CPComPtr<Interface> Agent() {
+        CPComPtr<Interface> other;
+        EXPECT_EQ(Hex(Agent().QueryInterface(other)), Hex(S_OK));
+        return other;
+    }
+    HRESULT CanUnload() const { return m_module.Call("DllCanUnloadNow"); }
+
+    const std::string m_logPath = HomePath() + "/agent.log";
+    std::size_t m_logStart = 0;  // bytes of the log that are not looked at
+    LoadedModule m_module;
+    Apartment m_apartment;
+};
+
+}  // namespace wncom::test
