@@ -1,0 +1,33 @@
+// What the port map's file says: devices and their services, in the file's order.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "components/Utf8.h"
+
+namespace wncom::components {
+
+struct ServiceData {
+    WideText name;  // may be empty
+    WideText address;
+    WideText transport;  // may be empty: the service is reached over the network
+};
+
+struct DeviceData {
+    WideText name;  // may be empty
+    std::vector<ServiceData> services;
+};
+
+struct PortMapData {
+    std::vector<DeviceData> devices;
+};
+
+// Reads the document, given in UTF-8. Nothing that it does not know is let pass, so that a slip of the pen is found
+// and not read as something left out. Throws XmlProblem with the place.
+PortMapData ParsePortMap(std::string_view source);
+
+}  // namespace wncom::components

@@ -1,0 +1,95 @@
+#include "tests/components/ComponentsFixture.h"
+
+#include <array>
+#include <cstdio>
+
+#include "platform/include/wnplatform/inspect.h"
+
+namespace wncom::test {
+namespace {
+
+HRESULT CallExport(HMODULE module, const char* name) {
+    using Export = HRESULT(STDAPICALLTYPE*)();
+    const auto entry = reinterpret_cast<Export>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    return entry ? entry() : E_NOTIMPL;
+}
+
+}  // namespace
+
+WideText Wide(std::string_view ascii) { return WideText(ascii.begin(), ascii.end()); }
+
+std::string Shown(BSTR text) {
+    if (!text) return "null";
+    std::string shown;
+    for (const OLECHAR unit : WideView(text, SysStringLen(text))) {
+        std::array<char, 8> escaped = {};
+        std::snprintf(escaped.data(), escaped.size(), "\\u%04x", static_cast<unsigned>(unit));
+        const bool plain = unit >= 0x20 && unit < 0x7F;
+        shown += plain ? std::string(1, static_cast<char>(unit)) : std::string(escaped.data());
+    }
+    return shown;
+}
+
+std::string Hex(HRESULT status) {
+    std::array<char, 16> text = {};
+    std::snprintf(text.data(), text.size(), "0x%08x", static_cast<unsigned>(status));
+    return text.data();
+}
+
+ComponentsFixture::ComponentsFixture() : m_module(LoadLibraryA((ProgramFolder() + "/wnComponents.dll").c_str())) {
+    EXPECT_NE(m_module, nullptr) << GetLastError();
+    EXPECT_EQ(Hex(CallExport(m_module, "DllRegisterServer")), Hex(S_OK));
+}
+
+ComponentsFixture::~ComponentsFixture() {
+    EXPECT_EQ(CallExport(m_module, "DllCanUnloadNow"), S_OK) << "an object was left behind";
+    FreeLibrary(m_module);
+}
+
+std::string Ask(const CPComPtr<IXMLSimpleAccessor>& accessor, std::string_view query, LONG flag) {
+    Bstr text;
+    const HRESULT status = accessor->GetXML(Bstr(Wide(query)).get(), flag, text.put());
+    if (status == S_OK) return Shown(text.get());
+    EXPECT_EQ(text.get(), nullptr) << "no match and no success, but a text";
+    return Hex(status);
+}
+
+HRESULT Load(const CPComPtr<IXMLSimpleAccessor>& accessor, WideView document) {
+    return accessor->LoadXML(Bstr(document).get());
+}
+
+CPComPtr<IPortMapContent> TemplateFor(std::string_view address) {
+    const auto device = Create<IPortMapContent>(kProgIdDeviceContent);
+    const auto service = Create<IPortMapContent>(kProgIdServiceContent);
+    const auto services = Create<IPortMapList>(kProgIdServiceList);
+    EXPECT_EQ(service->put_ServiceAddress(Bstr(Wide(address)).get()), S_OK);
+    EXPECT_EQ(services->Add(service.get()), S_OK);
+    EXPECT_EQ(device->put_ServiceList(services.get()), S_OK);
+    return device;
+}
+
+std::vector<std::string> Records(const CPComPtr<IPortMapList>& list) {
+    std::vector<std::string> lines;
+    CPComPtr<IPortMapContent> record;
+    HRESULT status = list->First(record.put());
+    for (; status == S_OK; status = list->Next(record.put())) {
+        Bstr name;
+        Bstr address;
+        Bstr transport;
+        EXPECT_EQ(record->get_Name(name.put()), S_OK);
+        EXPECT_EQ(record->get_ServiceAddress(address.put()), S_OK);
+        EXPECT_EQ(record->get_TransportInfo(transport.put()), S_OK);
+        lines.push_back(Shown(name.get()) + "|" + Shown(address.get()) + "|" + Shown(transport.get()));
+    }
+    EXPECT_EQ(Hex(status), Hex(S_FALSE));
+    EXPECT_EQ(record.get(), nullptr);
+    return lines;
+}
+
+std::string PortMapPath() {
+    std::array<char, MAX_PATH> folder = {};
+    EXPECT_NE(GetWindowsDirectoryA(folder.data(), MAX_PATH), 0u);
+    return wnplatform::HostPath((std::string(folder.data()) + "\\portmap.xml").c_str());
+}
+
+}  // namespace wncom::test

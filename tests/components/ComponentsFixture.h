@@ -1,0 +1,79 @@
+// The components module, registered in the test's home and used as its clients use it: by ProgID and interface.
+#pragma once
+
+#include <windows.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <ole2.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/TestHome.h"
+#include "wncom/Bstr.h"
+#include "wncom/CPComPtr.h"
+#include "wncom/PortMap.h"
+#include "wncom/XMLSimpleAccessor.h"
+
+namespace wncom::test {
+
+using WideText = std::basic_string<OLECHAR>;
+using WideView = std::basic_string_view<OLECHAR>;
+
+WideText Wide(std::string_view ascii);
+// "null", or the text with units beyond ASCII written as \uXXXX, so that a failing test shows what differs.
+std::string Shown(BSTR text);
+std::string Hex(HRESULT status);
+
+// A client's COM apartment on the calling thread.
+class Apartment {
+public:
+    Apartment() { EXPECT_EQ(CoInitialize(nullptr), S_OK); }
+    ~Apartment() { CoUninitialize(); }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+};
+
+// The object of a ProgID through the class lookup of COM; empty, with a failed test, when that fails.
+template <class Interface>
+CPComPtr<Interface> Create(LPCOLESTR progId) {
+    CPComPtr<Interface> object;
+    CLSID clsid = {};
+    EXPECT_EQ(Hex(CLSIDFromProgID(progId, &clsid)), Hex(S_OK));
+    EXPECT_EQ(Hex(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, Interface::kIid, object.put_void())),
+              Hex(S_OK));
+    return object;
+}
+
+// Registers the module and fails a test that leaves one of its objects behind.
+class ComponentsFixture : public testing::Test {
+protected:
+    ComponentsFixture();
+    ~ComponentsFixture() override;
+
+    // A file's path on the host, which the layer takes too.
+    static std::string PathOf(const std::string& name) { return HomePath() + "/" + name; }
+
+private:
+    HMODULE m_module;
+    Apartment m_apartment;
+};
+
+// What the accessor answers to a query, as "text" or as the status in hex.
+std::string Ask(const CPComPtr<IXMLSimpleAccessor>& accessor, std::string_view query, LONG flag = 0);
+
+// Loads a document given by path or as a text.
+HRESULT Load(const CPComPtr<IXMLSimpleAccessor>& accessor, WideView document);
+
+// A template of a search for an address.
+CPComPtr<IPortMapContent> TemplateFor(std::string_view address);
+
+// One line a record, "name|address|transport" or the status of the step that failed.
+std::vector<std::string> Records(const CPComPtr<IPortMapList>& list);
+
+// The default place of the port map's file, on the host.
+std::string PortMapPath();
+
+}  // namespace wncom::test
