@@ -1,0 +1,9 @@
+wncom_add_test(
+    wndevice_test
+    LIBRARIES
+    PkgConfig::CPP_HTTPLIB
+    DEPENDS
+    wndevice
+    SOURCES
+    wndevice_test.cpp
+)

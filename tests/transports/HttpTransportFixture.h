@@ -1,0 +1,97 @@
+// The HTTP transport as the bridge uses it: loaded by path, its objects made and taken back by its exports.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "tests/support/DeviceProcess.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestHome.h"
+#include "wncom/RmtJobControl.h"
+
+namespace wncom::test {
+
+inline constexpr const char* kTicket = "<intentTicket><jobName>Programme</jobName></intentTicket>";
+
+class HttpTransportTest : public testing::Test {
+protected:
+    struct Unmaker {
+        TransportUnmake unmake = nullptr;
+        void operator()(RmtJobControl* object) const { unmake(object); }
+    };
+    using Object = std::unique_ptr<RmtJobControl, Unmaker>;
+
+    void SetUp() override { Load(); }
+    void TearDown() override { Unload(); }
+
+    void Load() {
+        m_module = LoadLibraryA((ProgramFolder() + "/wnHttpTransport.dll").c_str());
+        ASSERT_NE(m_module, nullptr) << "error " << GetLastError();
+        m_make = Entry<TransportMake>("maker");
+        m_unmake = Entry<TransportUnmake>("demaker");
+        ASSERT_TRUE(m_make && m_unmake);
+    }
+    void Unload() {
+        m_unmake(nullptr);
+        FreeLibrary(m_module);
+    }
+
+    // A fresh object for a service, as after each connection of the bridge.
+    Object Make(const std::string& address) {
+        Object object(m_make(), Unmaker{m_unmake});
+        if (!object) throw std::runtime_error("maker gave no object");
+        object->Initialize(CString(address.c_str()), {});
+        return object;
+    }
+    // One with a session.
+    Object MakeInSession(const std::string& address) {
+        Object object = Make(address);
+        object->StartSession();
+        return object;
+    }
+    void Unmake(RmtJobControl* object) { m_unmake(object); }
+
+    static void Set(const char* name, DWORD type, const void* data, DWORD bytes) {
+        HKEY key = nullptr;
+        RegCreateKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quillbeck\\QBNorvel\\HttpTransport", 0, nullptr, 0, KEY_WRITE,
+                        nullptr, &key, nullptr);
+        RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), bytes);
+        RegCloseKey(key);
+    }
+    static void SetNumber(const char* name, DWORD value) { Set(name, REG_DWORD, &value, sizeof(value)); }
+
+    // The text of the failure that an action ends with; "none" when it ends without one.
+    template <class Action>
+    static std::string FailureOf(Action action) {
+        try {
+            action();
+        } catch (const std::exception& failure) {
+            return failure.what();
+        }
+        return "none";
+    }
+
+private:
+    template <class Function>
+    Function Entry(const char* name) const {
+        return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(m_module, name)));
+    }
+
+    HMODULE m_module = nullptr;
+    TransportMake m_make = nullptr;
+    TransportUnmake m_unmake = nullptr;
+};
+
+// The text of the first element of a name, as it stands in the document.
+inline std::string ElementText(std::string_view document, const std::string& name) {
+    const std::size_t start = document.find("<" + name + ">");
+    if (start == std::string_view::npos) return {};
+    const std::size_t text = start + name.size() + 2;
+    return std::string(document.substr(text, document.find('<', text) - text));
+}
+
+}  // namespace wncom::test

@@ -1,0 +1,50 @@
+#include "tools/wn/Command.h"
+
+#include <cstdio>
+
+namespace wn {
+namespace {
+
+std::string SystemText(DWORD code) {
+    char* text = nullptr;
+    const DWORD length = FormatMessageA(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code,
+        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text), 0, nullptr);
+    std::string result(text ? text : "", length);
+    LocalFree(text);
+    while (!result.empty() && (result.back() == '\n' || result.back() == '\r' || result.back() == '.')) {
+        result.pop_back();
+    }
+    return result.empty() ? "Unknown failure" : result;
+}
+
+}  // namespace
+
+std::string StatusText(HRESULT status) {
+    char number[16];
+    std::snprintf(number, sizeof(number), "0x%08X", static_cast<unsigned>(status));
+    return SystemText(static_cast<DWORD>(status)) + " (" + number + ")";
+}
+
+std::string ErrorText(DWORD code) { return SystemText(code) + " (" + std::to_string(code) + ")"; }
+
+void Report::Add(const char* key, const char* label, const std::string& value) { Add(key, label, value, value); }
+
+void Report::Add(const char* key, const char* label, const nlohmann::json& value, const std::string& text) {
+    m_values[key] = value;
+    if (text.empty()) return;
+    std::string name(label);
+    if (name.size() < 14) name.resize(14, ' ');
+    m_lines += name + " " + text + "\n";
+}
+
+void Report::Line(const std::string& text) { m_lines += text + "\n"; }
+
+void Report::Print() const {
+    const std::string text =
+        m_json ? m_values.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : m_lines;
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+}  // namespace wn

@@ -1,0 +1,74 @@
+#include "tools/wn/RegistryKey.h"
+
+#include "tools/wn/Command.h"
+
+namespace wn {
+namespace {
+
+class OpenKey {
+public:
+    explicit OpenKey(HKEY key) : m_key(key) {}
+    OpenKey(const OpenKey&) = delete;
+    OpenKey& operator=(const OpenKey&) = delete;
+    ~OpenKey() {
+        if (m_key) RegCloseKey(m_key);
+    }
+    HKEY get() const { return m_key; }
+
+private:
+    HKEY m_key;
+};
+
+[[noreturn]] void Fail(const std::string& what, const std::string& path, LSTATUS error) {
+    throw CommandError(what + " HKEY_LOCAL_MACHINE\\" + path + ": " + ErrorText(static_cast<DWORD>(error)));
+}
+
+// Null when the key is absent.
+HKEY Open(const std::string& path, REGSAM access) {
+    HKEY key = nullptr;
+    const LSTATUS error = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access, &key);
+    if (error == ERROR_FILE_NOT_FOUND) return nullptr;
+    if (error != ERROR_SUCCESS) Fail("Cannot open", path, error);
+    return key;
+}
+
+}  // namespace
+
+std::optional<std::string> RegistryKey::Read(const std::string& name) const {
+    const OpenKey key(Open(m_path, KEY_READ));
+    if (!key.get()) return std::nullopt;
+    DWORD type = 0;
+    DWORD size = 0;
+    if (RegQueryValueExA(key.get(), name.c_str(), nullptr, &type, nullptr, &size) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    if (type != REG_SZ && type != REG_EXPAND_SZ) return std::nullopt;
+    std::string value(size, '\0');
+    const LSTATUS error =
+        RegQueryValueExA(key.get(), name.c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(value.data()), &size);
+    if (error != ERROR_SUCCESS) Fail("Cannot read", m_path, error);
+    value.resize(size);
+    return value.substr(0, value.find('\0'));
+}
+
+void RegistryKey::Write(const std::string& name, const std::string& value) const {
+    HKEY created = nullptr;
+    LSTATUS error = RegCreateKeyExA(HKEY_LOCAL_MACHINE, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                    KEY_WRITE, nullptr, &created, nullptr);
+    if (error != ERROR_SUCCESS) Fail("Cannot create", m_path, error);
+    const OpenKey key(created);
+    error = RegSetValueExA(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                           static_cast<DWORD>(value.size() + 1));
+    if (error != ERROR_SUCCESS) Fail("Cannot write", m_path, error);
+}
+
+bool RegistryKey::Remove(const std::string& name) const {
+    const OpenKey key(Open(m_path, KEY_WRITE));
+    if (!key.get()) return false;
+    const LSTATUS error = RegDeleteValueA(key.get(), name.c_str());
+    if (error == ERROR_FILE_NOT_FOUND) return false;
+    if (error != ERROR_SUCCESS) Fail("Cannot change", m_path, error);
+    return true;
+}
+
+}  // namespace wn

@@ -1,0 +1,33 @@
+// One key of the registry, by its path under HKEY_LOCAL_MACHINE.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+namespace wn {
+
+// Texts are read and written as REG_SZ. Failures throw CommandError with the key's name; an absent key or value is
+// no failure of a read or a removal.
+class RegistryKey {
+public:
+    explicit RegistryKey(std::string path) : m_path(std::move(path)) {}
+
+    // An empty name is the default value. Empty when absent; a value of another type counts as absent.
+    std::optional<std::string> Read(const std::string& name) const;
+    void Write(const std::string& name, const std::string& value) const;
+    // True when there was one.
+    bool Remove(const std::string& name) const;
+
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+// Where the library finds its settings.
+inline const RegistryKey kLoggingKey("SOFTWARE\\Quillbeck\\QBNorvel\\Logging");
+inline const RegistryKey kPortMapKey("SOFTWARE\\Quillbeck\\QBNorvel\\PortMap");
+
+}  // namespace wn
