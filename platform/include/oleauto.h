@@ -28,7 +28,7 @@ HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT fl
 // library description by itself. TYPE_E_CANTLOADLIBRARY for any other file, an absent or a damaged one.
 HRESULT LoadTypeLib(LPCOLESTR file, ITypeLib** library);
 // The version asked for or the highest later one of the same major number; TYPE_E_LIBNOTREGISTERED for none.
-// Libraries are registered for every locale.
+// A library is registered for its own locale, and looked up for a locale, then for its language, then for none.
 HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID lcid, ITypeLib** library);
 // Both answer TYPE_E_REGISTRYACCESS when an entry cannot be written, or is not there to remove. A null help directory
 // is an empty one. The system is SYS_WIN32 on every host (else E_INVALIDARG).

@@ -1,7 +1,7 @@
 // Type libraries by their identities: their entries in the registry.
 //
 // Under HKEY_CLASSES_ROOT: TypeLib\{identity}\major.minor (both hexadecimal) holds the help text, and its subkeys
-// "0\win32" the path (for every locale, and for a 32-bit system whatever the host), FLAGS and HELPDIR.
+// "lcid\win32" the path (the library's locale in hexadecimal; a 32-bit system whatever the host), FLAGS and HELPDIR.
 #include <charconv>
 #include <cstdio>
 #include <optional>
@@ -19,7 +19,6 @@ namespace wnplatform::typelib {
 namespace {
 
 constexpr WORD kAnyVersion = 0xFFFF;
-constexpr const char* kPathKey = "\\0\\win32";
 
 std::string LibraryKey(REFGUID guid) { return "TypeLib\\{" + GuidText(guid) + "}"; }
 
@@ -27,6 +26,21 @@ std::string VersionKey(WORD major, WORD minor) {
     char text[16];
     std::snprintf(text, sizeof(text), "%x.%x", unsigned{major}, unsigned{minor});
     return text;
+}
+
+std::string PathKey(LCID locale) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "\\%x\\win32", unsigned{locale});
+    return text;
+}
+
+// The path for the locale, or else for its language, or else for a library without one.
+std::optional<std::string> LocalisedPath(const std::string& version, LCID locale) {
+    constexpr LCID kLanguageBits = 0x3FF;
+    for (const LCID wanted : {locale, locale & kLanguageBits, LCID{0}}) {
+        if (auto path = ReadClassesText(version + PathKey(wanted))) return path;
+    }
+    return std::nullopt;
 }
 
 std::optional<std::pair<WORD, WORD>> ParseVersion(const std::string& text) {
@@ -41,9 +55,9 @@ std::optional<std::pair<WORD, WORD>> ParseVersion(const std::string& text) {
 }
 
 // The path that is registered for the version, or for the highest later one of the same major number.
-std::optional<std::string> RegisteredPath(REFGUID guid, WORD major, WORD minor) {
+std::optional<std::string> RegisteredPath(REFGUID guid, WORD major, WORD minor, LCID locale) {
     const std::string library = LibraryKey(guid);
-    if (auto path = ReadClassesText(library + "\\" + VersionKey(major, minor) + kPathKey)) return path;
+    if (auto path = LocalisedPath(library + "\\" + VersionKey(major, minor), locale)) return path;
     std::optional<std::pair<WORD, WORD>> best;
     for (const std::string& name : ClassesSubkeys(library)) {
         const auto version = ParseVersion(name);
@@ -51,7 +65,7 @@ std::optional<std::string> RegisteredPath(REFGUID guid, WORD major, WORD minor) 
         if (!best || *version > *best) best = version;
     }
     if (!best) return std::nullopt;
-    return ReadClassesText(library + "\\" + VersionKey(best->first, best->second) + kPathKey);
+    return LocalisedPath(library + "\\" + VersionKey(best->first, best->second), locale);
 }
 
 struct Released {
@@ -74,11 +88,11 @@ std::string NarrowText(LPCOLESTR text) { return text ? NarrowFromUtf8(Utf8FromWi
 using namespace wnplatform;
 using namespace wnplatform::typelib;
 
-HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID, ITypeLib** library) {
+HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID locale, ITypeLib** library) {
     if (!library) return E_INVALIDARG;
     *library = nullptr;
     return Guarded(E_OUTOFMEMORY, [&]() -> HRESULT {
-        const std::optional<std::string> path = RegisteredPath(guid, major, minor);
+        const std::optional<std::string> path = RegisteredPath(guid, major, minor, locale);
         if (!path) return TYPE_E_LIBNOTREGISTERED;
         return LoadFrom(Utf8FromNarrow(*path), library);
     });
@@ -98,18 +112,18 @@ HRESULT RegisterTypeLib(ITypeLib* library, LPCOLESTR fullPath, LPCOLESTR helpDir
         const unsigned flags = attributes.wLibFlags & ~unsigned{LIBFLAG_FHASDISKIMAGE};
         const bool written = WriteClassesText(version, NarrowText(held.help ? held.help : held.name)) &&
                              WriteClassesText(version + "\\FLAGS", std::to_string(flags)) &&
-                             WriteClassesText(version + kPathKey, NarrowText(fullPath)) &&
+                             WriteClassesText(version + PathKey(attributes.lcid), NarrowText(fullPath)) &&
                              WriteClassesText(version + "\\HELPDIR", NarrowText(helpDirectory));
         return written ? S_OK : TYPE_E_REGISTRYACCESS;
     });
 }
 
-HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID, SYSKIND system) {
+HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID locale, SYSKIND system) {
     if (system != SYS_WIN32) return E_INVALIDARG;
     return Guarded(E_OUTOFMEMORY, [&] {
         const std::string library = LibraryKey(guid);
         const std::string version = library + "\\" + VersionKey(major, minor);
-        if (!ReadClassesText(version + kPathKey)) return TYPE_E_REGISTRYACCESS;
+        if (!ReadClassesText(version + PathKey(locale))) return TYPE_E_REGISTRYACCESS;
         if (!RemoveClassesTree(version)) return TYPE_E_REGISTRYACCESS;
         // Other versions keep the library's key.
         if (ClassesSubkeys(library).empty()) RemoveClassesTree(library);

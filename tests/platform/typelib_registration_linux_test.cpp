@@ -32,9 +32,9 @@ protected:
     static HRESULT Unregister(WORD minor = 0) {
         return UnRegisterTypeLib(LIBID_WNCOMLib, 1, minor, 0x409, SYS_WIN32);
     }
-    static HRESULT Load(WORD major, WORD minor) {
+    static HRESULT Load(WORD major, WORD minor, LCID locale = 0x409) {
         ITypeLib* library = nullptr;
-        const HRESULT hr = LoadRegTypeLib(LIBID_WNCOMLib, major, minor, 0x409, &library);
+        const HRESULT hr = LoadRegTypeLib(LIBID_WNCOMLib, major, minor, locale, &library);
         if (library) library->Release();
         return hr;
     }
@@ -48,7 +48,7 @@ TEST_F(TypeLibraryRegistration, WritesItsEntriesAndIsFoundByThem) {
     ASSERT_EQ(Register(), S_OK);
     const std::string version = std::string(kLibraryKey) + "\\1.0";
     EXPECT_EQ(ClassesText(version), "wnCOM 1.0 Type Library");
-    EXPECT_EQ(ClassesText(version + "\\0\\win32"), m_path);
+    EXPECT_EQ(ClassesText(version + "\\409\\win32"), m_path);
     EXPECT_EQ(ClassesText(version + "\\FLAGS"), "0");
     EXPECT_EQ(ClassesText(version + "\\HELPDIR"), "");
     EXPECT_EQ(Load(1, 0), S_OK);
@@ -61,6 +61,12 @@ TEST_F(TypeLibraryRegistration, AnswersToItsOwnMajorVersionOnly) {
     EXPECT_EQ(Load(0xFFFF, 0xFFFF), S_OK);
 }
 
+TEST_F(TypeLibraryRegistration, AnswersToItsOwnLocaleOnly) {
+    ASSERT_EQ(Register(), S_OK);
+    EXPECT_EQ(Load(1, 0, 0), TYPE_E_LIBNOTREGISTERED);
+    EXPECT_EQ(Load(1, 0, 0x407), TYPE_E_LIBNOTREGISTERED);
+}
+
 TEST_F(TypeLibraryRegistration, StandsInForEarlierMinorVersions) {
     const std::string file = HomePath() + "/later.idl";
     WriteWholeFile(file, "[uuid(8B2E860F-324B-4F38-B0BE-9D642317C24B), version(1.11)] library Later {};");
@@ -68,6 +74,8 @@ TEST_F(TypeLibraryRegistration, StandsInForEarlierMinorVersions) {
     ASSERT_EQ(RegisterTypeLib(later.get(), Wide(file).c_str(), nullptr), S_OK);
     EXPECT_EQ(ClassesText(std::string(kLibraryKey) + "\\1.b"), "Later");
     EXPECT_EQ(Load(1, 3), S_OK);
+    // A library without a locale answers to each.
+    EXPECT_EQ(Load(1, 3, 0x407), S_OK);
 }
 
 TEST_F(TypeLibraryRegistration, RemovesItsEntriesAndEmptyParents) {
