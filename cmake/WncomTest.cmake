@@ -15,12 +15,18 @@ add_library(
 )
 target_link_libraries(wncom_test_support PRIVATE wncom_options PUBLIC wncom_headers GTest::gtest GTest::gmock)
 
+# The programs that the thread sanitizer runs, and what they load: those labelled "threads".
+add_custom_target(threads_tests)
+
 function(wncom_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LABELS;LIBRARIES;DEPENDS;SOURCES")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE wncom_options wncom_test_support ${arg_LIBRARIES})
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
+    endif()
+    if("threads" IN_LIST arg_LABELS)
+        add_dependencies(threads_tests ${name})
     endif()
     gtest_discover_tests(
         ${name}
