@@ -6,18 +6,6 @@
 #include "platform/include/wnplatform/inspect.h"
 
 namespace wncom::test {
-namespace {
-
-HRESULT CallExport(HMODULE module, const char* name) {
-    using Export = HRESULT(STDAPICALLTYPE*)();
-    const auto entry = reinterpret_cast<Export>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-    return entry ? entry() : E_NOTIMPL;
-}
-
-}  // namespace
-
-WideText Wide(std::string_view ascii) { return WideText(ascii.begin(), ascii.end()); }
-
 std::string Shown(BSTR text) {
     if (!text) return "null";
     std::string shown;
@@ -30,20 +18,12 @@ std::string Shown(BSTR text) {
     return shown;
 }
 
-std::string Hex(HRESULT status) {
-    std::array<char, 16> text = {};
-    std::snprintf(text.data(), text.size(), "0x%08x", static_cast<unsigned>(status));
-    return text.data();
-}
-
-ComponentsFixture::ComponentsFixture() : m_module(LoadLibraryA((ProgramFolder() + "/wnComponents.dll").c_str())) {
-    EXPECT_NE(m_module, nullptr) << GetLastError();
-    EXPECT_EQ(Hex(CallExport(m_module, "DllRegisterServer")), Hex(S_OK));
+ComponentsFixture::ComponentsFixture() : m_module(ProgramFolder() + "/wnComponents.dll") {
+    EXPECT_EQ(Hex(m_module.Call("DllRegisterServer")), Hex(S_OK));
 }
 
 ComponentsFixture::~ComponentsFixture() {
-    EXPECT_EQ(CallExport(m_module, "DllCanUnloadNow"), S_OK) << "an object was left behind";
-    FreeLibrary(m_module);
+    EXPECT_EQ(Hex(m_module.Call("DllCanUnloadNow")), Hex(S_OK)) << "an object was left behind";
 }
 
 std::string Ask(const CPComPtr<IXMLSimpleAccessor>& accessor, std::string_view query, LONG flag) {

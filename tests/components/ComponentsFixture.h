@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/Com.h"
 #include "tests/support/TestHome.h"
 #include "wncom/Bstr.h"
 #include "wncom/CPComPtr.h"
@@ -22,30 +23,8 @@ namespace wncom::test {
 using WideText = std::basic_string<OLECHAR>;
 using WideView = std::basic_string_view<OLECHAR>;
 
-WideText Wide(std::string_view ascii);
 // "null", or the text with units beyond ASCII written as \uXXXX, so that a failing test shows what differs.
 std::string Shown(BSTR text);
-std::string Hex(HRESULT status);
-
-// A client's COM apartment on the calling thread.
-class Apartment {
-public:
-    Apartment() { EXPECT_EQ(CoInitialize(nullptr), S_OK); }
-    ~Apartment() { CoUninitialize(); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-};
-
-// The object of a ProgID through the class lookup of COM; empty, with a failed test, when that fails.
-template <class Interface>
-CPComPtr<Interface> Create(LPCOLESTR progId) {
-    CPComPtr<Interface> object;
-    CLSID clsid = {};
-    EXPECT_EQ(Hex(CLSIDFromProgID(progId, &clsid)), Hex(S_OK));
-    EXPECT_EQ(Hex(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, Interface::kIid, object.put_void())),
-              Hex(S_OK));
-    return object;
-}
 
 // Registers the module and fails a test that leaves one of its objects behind.
 class ComponentsFixture : public testing::Test {
@@ -57,7 +36,7 @@ protected:
     static std::string PathOf(const std::string& name) { return HomePath() + "/" + name; }
 
 private:
-    HMODULE m_module;
+    LoadedModule m_module;
     Apartment m_apartment;
 };
 

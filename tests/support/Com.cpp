@@ -6,7 +6,7 @@ namespace wncom::test {
 
 std::string Hex(HRESULT status) {
     char text[16];
-    std::snprintf(text, sizeof(text), "0x%08X", static_cast<unsigned>(status));
+    std::snprintf(text, sizeof(text), "0x%08x", static_cast<unsigned>(status));
     return text;
 }
 

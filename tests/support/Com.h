@@ -14,7 +14,7 @@
 
 namespace wncom::test {
 
-// A status as "0x80004005", so that a failed comparison shows what a reader knows.
+// A status as "0x8007000e", so that a failed comparison shows what a reader knows.
 std::string Hex(HRESULT status);
 
 // A client's COM apartment on the calling thread.
