@@ -2,11 +2,10 @@
 
 #include <wchar.h>
 
-#include <algorithm>
 #include <limits>
-#include <string_view>
 
 #include "common/CPWStringBuffer.h"
+#include "common/Guard.h"
 #include "wncom/Bstr.h"
 #include "wncom/Logging.h"
 #include "wncom/TraceScope.h"
@@ -14,7 +13,6 @@
 namespace wncom {
 namespace {
 
-constexpr LONG kFlags = 65;
 constexpr UINT kSecondsPerDay = 86400;
 
 // A lifetime beyond what the manager's seconds can count lasts as long as they can.
@@ -39,7 +37,8 @@ private:
 
 _WNSimpleCache::_WNSimpleCache() {
     const TraceScope trace("_WNSimpleCache::_WNSimpleCache", "WNSimpleCache", __LINE__);
-    m_initialised = SUCCEEDED(m_manager.CreateInstance(kProgIdXMLCacheMgr));
+    // A creation may succeed with nothing.
+    m_initialised = SUCCEEDED(m_manager.CreateInstance(kProgIdXMLCacheMgr)) && m_manager;
 }
 
 _WNSimpleCache::~_WNSimpleCache() {
@@ -60,7 +59,8 @@ bool _WNSimpleCache::ToCache(BSTR identifier, UINT days, const WCHAR* ticket) {
     if (text) {
         Log(3, "WNSimpleCache::ToCache attempting to cache %lu bytes of XML as %S for %u days\n", text.length(),
             key.get(), days);
-        status = m_manager->PutXML(key.get(), text.get(), LifetimeInSeconds(days), kFlags);
+        status =
+            Guarded([&] { return m_manager->PutXML(key.get(), text.get(), LifetimeInSeconds(days), kCacheFlags); });
     }
     if (FAILED(status)) {
         Log(1, "WNSimpleCache::ToCache failed %lx\n", status);
@@ -78,7 +78,7 @@ MallocText<WCHAR> _WNSimpleCache::FromCache(BSTR identifier) {
     CacheKey key(identifier);
     Log(3, "WNSimpleCache::FromCache attempting to retrieve XML as %S\n", key.get());
     Bstr ticket;
-    const HRESULT status = m_manager->FetchXML(key.get(), kFlags, ticket.put());
+    const HRESULT status = Guarded([&] { return m_manager->FetchXML(key.get(), kCacheFlags, ticket.put()); });
     if (FAILED(status) || !ticket) {
         Log(2, "WNSimpleCache::FromCache failed %lx\n", status);
         return nullptr;
@@ -95,7 +95,7 @@ int _WNSimpleCache::RemoveFromCache(BSTR identifier) {
     }
     CacheKey key(identifier);
     Log(3, "WNSimpleCache::RemoveFromCache attempting to delete %S from cache\n", key.get());
-    const HRESULT status = m_manager->RemoveXML(key.get());
+    const HRESULT status = Guarded([&] { return m_manager->RemoveXML(key.get()); });
     if (FAILED(status)) {
         Log(2, "WNSimpleCache::RemoveFromCache failed %lx\n", status);
         return 2;

@@ -24,7 +24,7 @@ public:
 };
 
 // Lives for one request: the cache manager is created with it and released with it. Without a manager every
-// operation is logged and skipped. Throws std::bad_alloc only.
+// operation is logged and skipped; a manager that throws has failed. Nothing is thrown.
 class _WNSimpleCache final : public SimpleCache {
 public:
     _WNSimpleCache();

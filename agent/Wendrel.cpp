@@ -51,14 +51,11 @@ HRESULT CWendrel::Initialise(IUnknown* serviceDescription, IUnknown* transportDe
 
     // Nothing is kept before both are known to be good.
     CPComPtr<ITransportDesc> transport;
-    if (FAILED(transportDescription->QueryInterface(ITransportDesc::kIid, transport.put_void()))) return E_FAIL;
+    if (FAILED(CPComPtr<IUnknown>(transportDescription).QueryInterface(transport))) return E_FAIL;
     CPComPtr<IServiceDesc> service;
     if (serviceDescription) {
-        const HRESULT status = serviceDescription->QueryInterface(IServiceDesc::kIid, service.put_void());
-        if (FAILED(status)) {
-            Log(1, "Couldn't get SD interface - %08lx\n", status);
-            service.detach();  // what a failed query leaves behind is nobody's reference
-        }
+        const HRESULT status = CPComPtr<IUnknown>(serviceDescription).QueryInterface(service);
+        if (FAILED(status)) Log(1, "Couldn't get SD interface - %08lx\n", status);
     }
     if (!transport || !service || !ValidateSD(*service.get())) return E_FAIL;
     m_transportDesc = transport;
@@ -92,7 +89,12 @@ HRESULT CWendrel::StartSessionOfService() {
     m_bridge.SetServiceURI(address.get());
     const MallocText<WCHAR> context = m_bridge.StartSession();
     Log(3, "szWc is %Sn", context.get());
-    if (context) m_transportDesc->SetSessionContext(Bstr(context.get()).get());
+    if (context) {
+        const Bstr text(context.get());
+        // Null would clear the context.
+        if (!text) return E_OUTOFMEMORY;
+        m_transportDesc->SetSessionContext(text.get());
+    }
     return status;
 }
 

@@ -24,11 +24,12 @@ HRESULT CWendrel::GetCapabilitiesTicket(BSTR* pTicket) {
         }
         if (!m_serviceDesc) return E_UNEXPECTED;
         Bstr identifier;
-        m_serviceDesc->GetID(identifier.put());
+        // Without an identifier, for whatever reason, there is still a ticket.
+        Guarded([&] { return m_serviceDesc->GetID(identifier.put()); });
 
         _WNSimpleCache cache;
         const UINT days = CacheLifetime();
-        Log(3, "Read cap ticket cache life from settings -- %d days.\n", days);
+        Log(3, "Read cap ticket cache life from settings -- %d days.\n", static_cast<INT>(days));
         MallocText<WCHAR> ticket;
         if (days != 0) ticket = cache.FromCache(identifier.get());
         if (!ticket) {

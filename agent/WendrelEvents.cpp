@@ -86,8 +86,11 @@ HRESULT CWendrel::GetEventProperties(BSTR EventName, BSTR, BSTR* ExceptionInfo, 
     return Guarded([&]() -> HRESULT {
         const TraceScope trace("CWendrel::GetEventProperties", "Wendrel", __LINE__);
         if (!m_serviceDesc) return E_UNEXPECTED;
+        const MallocText<char> name = WCharToUtf8(EventName);
+        // Null would ask for the properties of all events.
+        if (EventName && !name) return E_OUTOFMEMORY;
         PCharArray list;
-        m_bridge.GetEventProperties(WCharToUtf8(EventName).get(), &list);
+        m_bridge.GetEventProperties(name.get(), &list);
         const MallocText<WCHAR> document = ListDocument(list, "EventProperties", "Name");
         if (!document) return E_FAIL;
         Log(3, "Event Properties: %S\n", document.get());

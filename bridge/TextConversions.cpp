@@ -1,5 +1,6 @@
 #include "bridge/TextConversions.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -35,6 +36,24 @@ std::ptrdiff_t Encode(WCHAR unit, char (&sequence)[kLongestSequence]) noexcept {
     return 3;
 }
 
+// Copies ASCII characters up to the first other one and returns their number.
+std::ptrdiff_t CopyAscii(const WCHAR* units, std::ptrdiff_t count, char* bytes) noexcept {
+    constexpr std::ptrdiff_t kBlock = 16;
+    std::ptrdiff_t copied = 0;
+    const auto isAscii = [&](std::ptrdiff_t length) {
+        unsigned all = 0;
+        for (std::ptrdiff_t i = 0; i != length; ++i) all |= static_cast<std::uint16_t>(units[copied + i]);
+        return all < 0x80;
+    };
+    const auto copy = [&](std::ptrdiff_t length) {
+        for (std::ptrdiff_t i = 0; i != length; ++i) bytes[copied + i] = static_cast<char>(units[copied + i]);
+        copied += length;
+    };
+    while (count - copied >= kBlock && isAscii(kBlock)) copy(kBlock);
+    while (copied != count && isAscii(1)) copy(1);
+    return copied;
+}
+
 bool Continues(std::uint32_t byte) noexcept { return (byte & 0xC0) == 0x80; }
 
 }  // namespace
@@ -45,6 +64,14 @@ int u16_utf8(const WCHAR* units, std::ptrdiff_t count, char* bytes, std::ptrdiff
     std::ptrdiff_t read = 0;
     std::ptrdiff_t lacking = 0;
     while (read < count && capacity > 0) {
+        // Nearly all text is ASCII.
+        if (static_cast<std::uint16_t>(units[read]) < 0x80) {
+            const std::ptrdiff_t run = CopyAscii(units + read, std::min(count - read, capacity), bytes + *written);
+            read += run;
+            *written += run;
+            capacity -= run;
+            continue;
+        }
         char sequence[kLongestSequence];
         const std::ptrdiff_t length = Encode(units[read++], sequence);
         if (length > capacity) {

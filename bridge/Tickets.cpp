@@ -31,10 +31,20 @@ LONG OrbStuff::GetCapTicket(const WCHAR* szWorkflowID, MallocText<WCHAR>* pszRes
     pszResp->reset();
     Log(3, "OrbStuff::Establishing GetCap connection to %s.\n", m_szServiceURI.get());
 
-    MallocText<char> encoded = IsNullOrEmpty(szWorkflowID) ? nullptr : WCharToUtf8(szWorkflowID);
-    const char* workflowId = encoded.get();
-    if (!workflowId) workflowId = std::getenv("WF_DESTINATION");
-    if (!workflowId) workflowId = "";
+    MallocText<char> encoded;
+    const char* workflowId = nullptr;
+    if (IsNullOrEmpty(szWorkflowID)) {
+        workflowId = std::getenv("WF_DESTINATION");
+        if (!workflowId) workflowId = "";
+    } else {
+        encoded = WCharToUtf8(szWorkflowID);
+        workflowId = encoded.get();
+        // Another workflow's ticket must not be asked for where memory is too short for this one's id.
+        if (!workflowId) {
+            Log(1, "ticket alloc failed, result: NULL!\n\n");
+            return 0;
+        }
+    }
     Log(3, "WF Destination: '%s'\n", workflowId);
 
     const std::size_t room = std::strlen(workflowId) + kCapabilitiesRequestRoom;

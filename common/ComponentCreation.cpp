@@ -77,6 +77,8 @@ HRESULT CreateComponentInstance(LPCOLESTR progId, LPCOLESTR moduleFile, REFIID i
         status = E_FAIL;
         try {
             status = CoCreateInstance(clsid, nullptr, ChooseContext(progId), iid, object);
+            // A server that claims success but gave no object has failed.
+            if (SUCCEEDED(status) && !*object) status = E_POINTER;
         } catch (...) {
             WNCOM_LOG(1, "CI 5");
             // Not released: a component that threw half way may have left anything there.

@@ -112,7 +112,7 @@ HRESULT RunRegistration(CPHeapBuffer& path, bool registerModule) noexcept {
     GetExitCodeProcess(process.get(), &code);
     if (code == 0) return S_OK;
     WNCOM_LOG(2, "CPComPtr<>::RegisterComponent | COM Registration - exited with a failure code!!! | module=%S | %d",
-              path.Text(), code);
+              path.Text(), static_cast<LONG>(code));
     return E_FAIL;
 }
 

@@ -11,20 +11,10 @@
 namespace wncom {
 namespace {
 
-// A component that claims success but gave no object has failed. S_FALSE is the ordinary word for "none" where an
-// object is looked for, but no answer where one is made.
+// A component that claims success but gave no object has failed. S_FALSE is the ordinary word for "none".
 template <class T>
 HRESULT Found(HRESULT status, const CPComPtr<T>& object) {
     return status == S_OK && !object ? E_POINTER : status;
-}
-template <class T>
-HRESULT Made(HRESULT status, const CPComPtr<T>& object) {
-    return SUCCEEDED(status) && !object ? E_POINTER : status;
-}
-
-template <class T>
-HRESULT MakeComponent(CPComPtr<T>& object, LPCOLESTR progId) {
-    return Made(object.CreateInstance(progId), object);
 }
 
 // What a search holds; all of it is released when the search ends.
@@ -50,11 +40,11 @@ struct Step {
 
 // Builds the search template, finds the device and gets at its services. Only the first device is looked at.
 constexpr Step kSteps[] = {
-    {[](Search& s) { return MakeComponent(s.deviceSearch, kProgIdDeviceContent); }, Demand::NotNegative,
+    {[](Search& s) { return s.deviceSearch.CreateInstance(kProgIdDeviceContent); }, Demand::NotNegative,
      "JobControlFactory::getTransportTypeFromPortMapData, create deviceSearch failed"},
-    {[](Search& s) { return MakeComponent(s.serviceListSearch, kProgIdServiceList); }, Demand::NotNegative,
+    {[](Search& s) { return s.serviceListSearch.CreateInstance(kProgIdServiceList); }, Demand::NotNegative,
      "JobControlFactory::getTransportTypeFromPortMapData, create ServiceListSearch failed"},
-    {[](Search& s) { return MakeComponent(s.serviceSearch, kProgIdServiceContent); }, Demand::NotNegative,
+    {[](Search& s) { return s.serviceSearch.CreateInstance(kProgIdServiceContent); }, Demand::NotNegative,
      "JobControlFactory::getTransportTypeFromPortMapData, create serviceSearch failed"},
     {[](Search& s) { return s.serviceSearch->put_ServiceAddress(s.address); }, Demand::NotNegative,
      "JobControlFactory::getTransportTypeFromPortMapData, put_ServiceAddress failed"},
@@ -66,14 +56,17 @@ constexpr Step kSteps[] = {
          return Found(s.portMap->GetMatchingDevices(s.deviceSearch.get(), s.deviceList.put()), s.deviceList);
      },
      Demand::ExactlyOk, "JobControlFactory::getTransportTypeFromPortMapData, GetMatchingDevices() failed"},
-    {[](Search& s) { return MakeComponent(s.deviceGet, kProgIdDeviceContent); }, Demand::ExactlyOk,
+    {[](Search& s) { return s.deviceGet.CreateInstance(kProgIdDeviceContent); }, Demand::ExactlyOk,
      "JobControlFactory::getTransportTypeFromPortMapData, deviceGet create instance failed"},
     {[](Search& s) { return Found(s.deviceList->First(s.deviceGet.put()), s.deviceGet); }, Demand::ExactlyOk,
      "JobControlFactory::getTransportTypeFromPortMapData, First() on deviceList failed"},
     {[](Search& s) { return Found(s.deviceGet->get_ServiceList(s.serviceListGet.put()), s.serviceListGet); },
      Demand::ExactlyOk, "JobControlFactory::getTransportTypeFromPortMapData, get_ServiceList() failed"},
-    {[](Search& s) { return Made(s.serviceListGet.QueryInterface(s.services), s.services); }, Demand::NotNegative,
-     "JobControlFactory::getTransportTypeFromPortMapData, ServiceListGet->QI failed!"},
+    {[](Search& s) {
+         const HRESULT status = s.serviceListGet.QueryInterface(s.services);
+         return SUCCEEDED(status) && !s.services ? E_POINTER : status;
+     },
+     Demand::NotNegative, "JobControlFactory::getTransportTypeFromPortMapData, ServiceListGet->QI failed!"},
 };
 
 // Visits every service of a device and keeps the entry of the last one that matches.
@@ -156,7 +149,7 @@ CString JobControlFactory::checkPortMap(CString serviceAddress) {
     const Bstr address = WidenFromSystemCodePage(serviceAddress);
     // Held to the end, it shows that there is a port map at all; the lookup makes its own.
     CPComPtr<IPortMap> portMap;
-    if (FAILED(MakeComponent(portMap, kProgIdPortMap))) {
+    if (FAILED(portMap.CreateInstance(kProgIdPortMap))) {
         Log(2, "JobControlFactory::checkPortMap, create PortMap instance failed.\n");
         Log(2, "JobControlFactory::checkPortMap(), failed");
         throw CPException("JobControlFactory::checkPortMap(), failed", E_FAIL);
@@ -179,7 +172,7 @@ HRESULT JobControlFactory::getTransportTypeFromPortMapData(BSTR serviceAddress, 
     Log(4, "JobControlFactory::getTransportTypeFromPortMapData, create wendrel factory succeeded");
     Search search{};
     search.address = serviceAddress;
-    if (const HRESULT status = MakeComponent(search.portMap, kProgIdPortMap); FAILED(status)) {
+    if (const HRESULT status = search.portMap.CreateInstance(kProgIdPortMap); FAILED(status)) {
         Log(2, "JobControlFactory::getTransportTypeFromPortMapData, create PortMap failed");
         return status;
     }

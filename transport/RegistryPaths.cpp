@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "common/CPException.h"
@@ -62,6 +63,7 @@ CPHeapBuffer GetPathFromRegistry(const char* valueName) {
 
     CPHeapBuffer path;
     path.Assign(text);
+    if (*text && path.Length() == 0) throw std::bad_alloc();
     if (key.Close() != ERROR_SUCCESS) Fail("GetPathFromRegistry() - RegCloseKey() failed");
     Log(4, "GetPathFromRegistry() - RegCloseKey() succeeded");
     return path;

@@ -1,5 +1,6 @@
 // Reading "Transports.xml": where it is, and what it lists.
 #include <cstdio>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -63,7 +64,6 @@ CPComPtr<IXMLSimpleAccessor> JobControlFactory::GetAccessor() {
 
     CPComPtr<IXMLSimpleAccessor> accessor;
     HRESULT status = accessor.CreateInstance(kProgIdXMLSimpleAccessor);
-    if (SUCCEEDED(status) && !accessor) status = E_POINTER;
     if (FAILED(status)) {
         Log(2, "JobControlFactory::GetAccessor(), failed to create instance of XMLSimpleAccessor");
     } else {
@@ -107,7 +107,10 @@ void JobControlFactory::LoadTransportInfo(CPComPtr<IXMLSimpleAccessor> accessor)
     WNCOM_LOG(4, "JobControlFactory::LoadTransportInfo(), CPResultPath: %s", path.GetMultiByte());
 
     try {
-        m_BuildDllPath.Assign(GetPathToBuildDllsFromRegistry().Text());
+        const CPHeapBuffer folder = GetPathToBuildDllsFromRegistry();
+        m_BuildDllPath.Assign(folder.Text());
+        // Without its folder a library's name would be looked up elsewhere.
+        if (m_BuildDllPath.Length() != folder.Length()) throw std::bad_alloc();
     } catch (const CPException& exception) {
         Log(2, "JobControlFactory::LoadTransportInfo() got exception from GetPathTo....(): %s", exception.what());
         throw CPException("JobControlFactory::LoadTransportInfo() got exception from GetPathTo....()", E_FAIL);

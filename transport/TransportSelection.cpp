@@ -27,6 +27,16 @@ void LogSystemError(DWORD error) noexcept {
     Log(3, "%s\n", text);
 }
 
+// In the C locale. A text that has no such form, or that memory is too short for, must not be taken for an empty one:
+// what is left of the path could name another library.
+CString NarrowForm(const WCHAR* text) {
+    CPBstrBuffer copy(text);
+    const char* narrow = copy.GetMultiByte();
+    if (!narrow && text && *text)
+        throw CPException("JobControlFactory::selectBinary(), LoadLibrary() failed", E_FAIL);
+    return CString(narrow);
+}
+
 template <class Function>
 Function FindExport(HMODULE module, const char* name) noexcept {
     // The step in between tells the compiler that the change of signature is meant.
@@ -103,12 +113,12 @@ bool JobControlFactory::selectBinary(CString serviceAddress) {
         const CString type(key.GetMultiByte());
         Log(4, "JobControlFactory::selectBinary, found type %s in the map.", type);
 
-        CPBstrBuffer name(found->second.c_str());
-        m_DllName.Assign(name.GetMultiByte());
+        const CString name = NarrowForm(found->second.c_str());
+        m_DllName.Assign(name.c_str());
         WNCOM_LOG(4, "JobControlFactory::selectBinary, m_DllName: %s.", m_DllName.GetMultiByte());
-        CString path(m_BuildDllPath.GetMultiByte());
+        CString path = NarrowForm(m_BuildDllPath.Text());
         Log(4, "JobControlFactory::selectBinary, partial m_DllPath: %s.", path);
-        path += CString(m_DllName.GetMultiByte());
+        path += name;
         Log(4, "JobControlFactory::selectBinary, complete m_DllPath: %s.", path);
 
         if (m_hModule && path == m_DllPath) {

@@ -19,7 +19,7 @@ namespace wncom::server {
 template <class... Interfaces, class Self>
 void* FindAmong(Self* self, REFIID iid) noexcept {
     void* found = nullptr;
-    ((iid == Interfaces::kIid ? (found = static_cast<Interfaces*>(self), true) : false) || ...);
+    static_cast<void>(((iid == Interfaces::kIid && (found = static_cast<Interfaces*>(self))) || ...));
     return found;
 }
 

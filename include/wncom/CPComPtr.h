@@ -12,7 +12,7 @@ namespace wncom {
 // Creates the component that a ProgID names and asks it for an interface; an unknown ProgID is first registered
 // from the module file when one is given (null: no registration is tried). Runs on the calling thread, which must
 // have initialised COM. What the object's place holds is released first. On failure the object is null and the
-// status that of the step that failed.
+// status that of the step that failed; E_POINTER when a server claims success but gives no object.
 HRESULT CreateComponentInstance(LPCOLESTR progId, LPCOLESTR moduleFile, REFIID iid, void** object) noexcept;
 
 // Registers or unregisters a component module: the entry point of a ".dll", the command-line switch of an ".exe",
@@ -64,7 +64,10 @@ public:
     template <class U>
     HRESULT QueryInterface(CPComPtr<U>& other) const {
         void** place = other.put_void();
-        return m_object ? m_object->QueryInterface(U::kIid, place) : E_POINTER;
+        const HRESULT status = m_object ? m_object->QueryInterface(U::kIid, place) : E_POINTER;
+        // What a failed query left there is nobody's reference.
+        if (FAILED(status)) *place = nullptr;
+        return status;
     }
 
     // Releases what is held and creates the component that the ProgID names; empty after a failure. See

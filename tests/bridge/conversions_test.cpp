@@ -44,6 +44,15 @@ TEST(EncodingTest, FillsItsRoomWithCharactersOfThreeBytes) {
     EXPECT_EQ("", Encoded(OLESTR("")));
 }
 
+TEST(EncodingTest, FindsACharacterThatIsNotAsciiWhereverItStands) {
+    for (std::size_t place = 0; place < 40; ++place) {
+        WideString text(40, u'x');
+        text[place] = u'\u00E9';
+        const std::string expected = std::string(place, 'x') + "\xC3\xA9" + std::string(39 - place, 'x');
+        EXPECT_EQ(expected, Encoded(text.c_str())) << place;
+    }
+}
+
 TEST(EncodingTest, NullGivesNull) {
     EXPECT_EQ(nullptr, WCharToUtf8(nullptr));
     EXPECT_EQ(nullptr, Utf8ToWChar(nullptr));
