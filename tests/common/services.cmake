@@ -28,3 +28,9 @@ wncom_add_test(
     LIBRARIES wncom_services
     SOURCES component_throw_test.cpp
 )
+wncom_add_test(
+    event_xml_processor_test
+    LIBRARIES wncom_services wncom_fakes
+    DEPENDS FakeComponents wnComponents
+    SOURCES event_xml_processor_test.cpp
+)
