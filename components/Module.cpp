@@ -8,6 +8,7 @@
 #include "components/PortMapList.h"
 #include "components/ServiceDesc.h"
 #include "components/TransportDesc.h"
+#include "components/XMLCacheMgr.h"
 #include "components/XMLSimpleAccessor.h"
 
 namespace wncom::server {
@@ -18,6 +19,8 @@ using namespace wncom::components;
 constexpr ServedClass kClasses[] = {
     {CLSID_XMLSimpleAccessor, "XMLSimpleAccessor Class", "QBNORVEL.XMLSimpleAccessor.1", "QBNORVEL.XMLSimpleAccessor",
      CreateObject<XMLSimpleAccessor>},
+    {CLSID_XMLCacheMgr, "XMLCacheMgr Class", "QBNORVEL.XMLCacheMgr.1", "QBNORVEL.XMLCacheMgr",
+     CreateObject<XMLCacheMgr>},
     {CLSID_PortMap, "PortMap Class", "QBNORVEL.PortMap.1", "QBNORVEL.PortMap", CreateObject<PortMap>},
     {CLSID_DeviceContent, "DeviceContent Class", "QBNORVEL.DeviceContent.1", "QBNORVEL.DeviceContent",
      CreateObject<PortMapContent>},

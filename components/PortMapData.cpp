@@ -74,7 +74,7 @@ private:
     }
 
     [[noreturn]] void Refuse(pugi::xml_node node, const std::string& what) {
-        throw XmlProblem(kBadDocument, PlaceIn(m_source, node.offset_debug()) + ": " + what);
+        throw Problem(kBadDocument, PlaceIn(m_source, node.offset_debug()) + ": " + what);
     }
 
     std::string_view m_source;

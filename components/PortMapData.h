@@ -27,7 +27,7 @@ struct PortMapData {
 };
 
 // Reads the document, given in UTF-8. Nothing that it does not know is let pass, so that a slip of the pen is found
-// and not read as something left out. Throws XmlProblem with the place.
+// and not read as something left out. Throws Problem with the place.
 PortMapData ParsePortMap(std::string_view source);
 
 }  // namespace wncom::components

@@ -1,24 +1,19 @@
 #include "components/PortMapFile.h"
 
-#include <array>
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
 
 #include "common/Guard.h"
+#include "components/ConfiguredPath.h"
 #include "components/XmlSource.h"
 
 namespace wncom::components {
 namespace {
 
-constexpr const char* kKey = "SOFTWARE\\Quillbeck\\QBNorvel\\PortMap";
-constexpr const char* kValue = "portmapfile";
-constexpr const char* kDefaultName = "portmap.xml";
+constexpr PathSetting kSetting = {"SOFTWARE\\Quillbeck\\QBNorvel\\PortMap", "portmapfile", "portmap.xml"};
 
-struct CloseKey {
-    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
-};
 struct CloseSearch {
     void operator()(HANDLE search) const noexcept {
         if (search != INVALID_HANDLE_VALUE) FindClose(search);
@@ -55,36 +50,6 @@ bool MayChangeUnseen(const Stamp& stamp) {
     return stamp.written + 2 * kSecond > now;
 }
 
-std::string DefaultPath() {
-    std::array<char, MAX_PATH> folder = {};
-    const UINT length = GetWindowsDirectoryA(folder.data(), static_cast<UINT>(folder.size()));
-    if (length == 0 || length >= folder.size()) throw XmlProblem(E_UNEXPECTED, "the Windows directory is unknown");
-    return std::string(folder.data(), length) + "\\" + kDefaultName;
-}
-
-std::string FilePath() {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kKey, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) return DefaultPath();
-    const std::unique_ptr<HKEY__, CloseKey> key(opened);
-
-    std::array<char, 1024> data = {};
-    auto size = static_cast<DWORD>(data.size());
-    DWORD type = REG_NONE;
-    const LSTATUS status =
-        RegQueryValueExA(key.get(), kValue, nullptr, &type, reinterpret_cast<BYTE*>(data.data()), &size);
-    if (status == ERROR_FILE_NOT_FOUND) return DefaultPath();
-    const auto refuse = [](LSTATUS code, const char* what) {
-        throw XmlProblem(HRESULT_FROM_WIN32(code), std::string("the registry value \"") + kValue + "\" " + what);
-    };
-    if (status != ERROR_SUCCESS) refuse(status, "cannot be read");
-    if (type != REG_SZ) refuse(ERROR_INVALID_DATA, "is not a text");
-    std::string path(data.data(), size);
-    // With or without a terminator, as registry texts come.
-    if (path.ends_with('\0')) path.pop_back();
-    if (path.find('\0') != std::string::npos) refuse(ERROR_INVALID_DATA, "holds a zero character");
-    return path.empty() ? DefaultPath() : path;
-}
-
 PortMapData ReadPortMap(const std::string& path) {
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -101,9 +66,9 @@ public:
         const std::lock_guard lock(m_section);
         std::string path = "port map";
         try {
-            path = FilePath();
+            path = ConfiguredPath(kSetting);
             Refresh(path);
-        } catch (const XmlProblem& problem) {
+        } catch (const Problem& problem) {
             OutputDebugStringA(("PortMap: " + path + ": " + problem.what() + "\n").c_str());
             m_map.reset();
             return problem.status();

@@ -94,7 +94,7 @@ HRESULT XMLSimpleAccessor::Load(WideView document) {
                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
             m_top = ParseXml(DecodeXmlFile(ReadFileBytes(file)), m_document);
         }
-    } catch (const XmlProblem& problem) {
+    } catch (const Problem& problem) {
         const std::string name = isXml ? "a text" : ToUtf8(document).value_or("a file");
         OutputDebugStringA(("XMLSimpleAccessor: " + name + ": " + problem.what() + "\n").c_str());
         return problem.status();

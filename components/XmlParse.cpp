@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 
 [[noreturn]] void Refuse(std::string_view source, std::size_t offset, const std::string& what) {
-    throw XmlProblem(kBadDocument, PlaceIn(source, static_cast<std::ptrdiff_t>(offset)) + ": " + what);
+    throw Problem(kBadDocument, PlaceIn(source, static_cast<std::ptrdiff_t>(offset)) + ": " + what);
 }
 
 bool IsCharacter(unsigned long long code) {

@@ -36,7 +36,7 @@ Encoding EncodingNamed(std::string_view name) {
     for (const auto& known : kEncodings) {
         if (_stricmp(known.name, wanted.c_str()) == 0) return known.encoding;
     }
-    throw XmlProblem(kBadDocument, "the encoding \"" + wanted + "\" is not supported");
+    throw Problem(kBadDocument, "the encoding \"" + wanted + "\" is not supported");
 }
 
 // Takes a byte order mark off the bytes.
@@ -57,7 +57,7 @@ Encoding FindEncoding(std::string_view& bytes) {
 }
 
 WideText WideFromBytes(std::string_view bytes, bool littleEndian) {
-    if (bytes.size() % 2 != 0) throw XmlProblem(kBadDocument, "the UTF-16 text ends within a character");
+    if (bytes.size() % 2 != 0) throw Problem(kBadDocument, "the UTF-16 text ends within a character");
     WideText text(bytes.size() / 2, OLECHAR());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto first = static_cast<unsigned char>(bytes[2 * i]);
@@ -76,12 +76,12 @@ WideText WideFromLatin1(std::string_view bytes) {
 
 std::string RequireUtf8(WideView text) {
     std::optional<std::string> utf8 = ToUtf8(text);
-    if (!utf8) throw XmlProblem(kBadDocument, "the text holds half of a surrogate pair");
+    if (!utf8) throw Problem(kBadDocument, "the text holds half of a surrogate pair");
     return *std::move(utf8);
 }
 
 void RequireSize(std::size_t bytes) {
-    if (bytes > kXmlLimit) throw XmlProblem(HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE), "the document exceeds 64 MB");
+    if (bytes > kXmlLimit) throw Problem(HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE), "the document exceeds 64 MB");
 }
 
 // What the system says of an error code, without its line end.
@@ -98,7 +98,7 @@ std::string ErrorText(DWORD code) {
 std::string ReadFileBytes(const FileHandle& file) {
     const auto fail = [](const char* what) {
         const DWORD error = GetLastError();
-        throw XmlProblem(HRESULT_FROM_WIN32(error), std::string(what) + ": " + ErrorText(error));
+        throw Problem(HRESULT_FROM_WIN32(error), std::string(what) + ": " + ErrorText(error));
     };
     if (file.get() == INVALID_HANDLE_VALUE) fail("the file cannot be opened");
     // What the file says of its size is a hint only: it may grow under the reader, or not be a plain file at all.
@@ -122,7 +122,7 @@ std::string ReadFileBytes(const FileHandle& file) {
 std::string DecodeXmlFile(std::string_view bytes) {
     switch (FindEncoding(bytes)) {
         case Encoding::Utf8:
-            if (!IsUtf8(bytes)) throw XmlProblem(kBadDocument, "the bytes are not UTF-8");
+            if (!IsUtf8(bytes)) throw Problem(kBadDocument, "the bytes are not UTF-8");
             return std::string(bytes);
         case Encoding::Utf16LittleEndian:
             return RequireUtf8(WideFromBytes(bytes, true));
@@ -134,7 +134,7 @@ std::string DecodeXmlFile(std::string_view bytes) {
             break;
     }
     const std::optional<WideText> text = FromCodePage(kWindows1252, bytes);
-    if (!text) throw XmlProblem(kBadDocument, "the bytes are not windows-1252");
+    if (!text) throw Problem(kBadDocument, "the bytes are not windows-1252");
     return RequireUtf8(*text);
 }
 

@@ -5,26 +5,16 @@
 #include <windows.h>
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "components/Problem.h"
 #include "components/Utf8.h"
 
 namespace wncom::components {
 
 // A document larger than this is refused: 64 MB, in bytes.
 inline constexpr std::size_t kXmlLimit = 64 * 1024 * 1024;
-
-// Why there is no document: a status for the caller and a sentence for the person who wrote it.
-class XmlProblem : public std::runtime_error {
-public:
-    XmlProblem(HRESULT status, const std::string& what) : std::runtime_error(what), m_status(status) {}
-    HRESULT status() const noexcept { return m_status; }
-
-private:
-    HRESULT m_status;
-};
 
 // For everything that is wrong inside a document.
 inline const HRESULT kBadDocument = HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
@@ -36,17 +26,17 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<void, CloseFile>;
 
-// All bytes of an open file. Throws XmlProblem for an invalid handle (with the last error), a failing read and a file
+// All bytes of an open file. Throws Problem for an invalid handle (with the last error), a failing read and a file
 // beyond the limit.
 std::string ReadFileBytes(const FileHandle& file);
 
 // The text of a file: UTF-8 or UTF-16 by its byte order mark, else by its declaration UTF-8 (also when it declares
-// nothing), US-ASCII, ISO-8859-1 or windows-1252. Throws XmlProblem for any other encoding and for bytes that are
+// nothing), US-ASCII, ISO-8859-1 or windows-1252. Throws Problem for any other encoding and for bytes that are
 // none of the encoding's.
 std::string DecodeXmlFile(std::string_view bytes);
 
 // The text of a document that lies in memory; what its declaration says of an encoding no longer counts. Throws
-// XmlProblem for an unpaired surrogate and a text beyond the limit.
+// Problem for an unpaired surrogate and a text beyond the limit.
 std::string DecodeXmlText(WideView text);
 
 // True for a text that is a document itself, not the name of one: its first character after white space and a byte

@@ -3,6 +3,7 @@
 
 #include "tests/components/ComponentsFixture.h"
 #include "wncom/Descriptions.h"
+#include "wncom/XMLCacheMgr.h"
 
 namespace wncom::test {
 namespace {
@@ -112,6 +113,18 @@ TEST_F(LateBound, AccessorIsAsked) {
     EXPECT_EQ(Call(accessor, "GetXML", {&query, &all}).text(), "1-2");
 }
 
+TEST_F(LateBound, CacheIsFilledAndRead) {
+    const Value cache = New(kProgIdXMLCacheMgr);
+    const Value key("key");
+    const Value ticket("<t/>");
+    const Value seconds(60);
+    const Value flags(kCacheFlags);
+    Call(cache, "PutXML", {&key, &ticket, &seconds, &flags});
+    EXPECT_EQ(Call(cache, "FetchXML", {&key, &flags}).text(), "<t/>");
+    Call(cache, "RemoveXML", {&key});
+    EXPECT_EQ(Call(cache, "FetchXML", {&key, &flags}).text(), "");
+}
+
 TEST_F(LateBound, PortMapIsSearchedAndWalked) {
     WriteWholeFile(PortMapPath(),
                    "<portmap><device name='d'><service address='usb:1' transport='USB'/></device></portmap>");
@@ -149,7 +162,8 @@ TEST_F(LateBound, TypeLibraryAgreesWithTheHeaders) {
     };
     for (const Expected& expected :
          {Expected{kProgIdXMLSimpleAccessor, IXMLSimpleAccessor::kIid, 16},
-          Expected{kProgIdPortMap, IPortMap::kIid, 9}, Expected{kProgIdDeviceContent, IPortMapContent::kIid, 37},
+          Expected{kProgIdXMLCacheMgr, IXMLCacheMgr::kIid, 17}, Expected{kProgIdPortMap, IPortMap::kIid, 9},
+          Expected{kProgIdDeviceContent, IPortMapContent::kIid, 37},
           Expected{kProgIdServiceContent, IPortMapContent::kIid, 37},
           Expected{kProgIdServiceList, IPortMapList::kIid, 11}, Expected{kProgIdServiceDesc, IServiceDesc::kIid, 11},
           Expected{kProgIdTransportDesc, ITransportDesc::kIid, 18}}) {

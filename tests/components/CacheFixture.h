@@ -1,0 +1,62 @@
+// The cache manager and a look behind it, into its database.
+#pragma once
+
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/components/ComponentsFixture.h"
+#include "wncom/XMLCacheMgr.h"
+
+namespace wncom::test {
+
+// A connection of the test's own.
+class Sqlite {
+public:
+    explicit Sqlite(const std::string& path);
+    // The last value of the last row, as text; the error's text when something fails.
+    std::string Run(const std::string& sql);
+
+private:
+    struct Close {
+        void operator()(sqlite3* database) const noexcept { sqlite3_close(database); }
+    };
+    std::unique_ptr<sqlite3, Close> m_database;
+};
+
+class CacheFixture : public ComponentsFixture {
+protected:
+    CacheFixture();
+
+    // Makes the next manager use another file.
+    static void SetCacheFile(const std::string& path);
+
+    // Each with a manager of its own, as the agent has one a request.
+    static HRESULT Put(std::string_view key, std::string_view ticket, LONG seconds = 60);
+    // The ticket, or the status in hex when there is none.
+    static std::string Fetch(std::string_view key);
+
+    // What was written to the debugger output since the test began.
+    std::string DebugOutput() const;
+
+    const std::string m_path = PathOf("cache.db");
+
+private:
+    std::size_t m_debugStart;
+};
+
+// Runs a function, which answers a status, in a process of its own; nothing is closed at its end, as if it were
+// killed there. To be called while this process has no database open.
+template <class Function>
+pid_t RunInProcess(Function function) {
+    const pid_t child = fork();
+    if (child == 0) _exit(function() == S_OK ? 0 : 1);
+    return child;
+}
+void ExpectSuccess(pid_t process);
+
+}  // namespace wncom::test
