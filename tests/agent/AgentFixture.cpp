@@ -6,6 +6,15 @@
 
 namespace wncom::test {
 
+OutText::~OutText() {
+    if (m_place != m_own.get()) SysFreeString(m_place);
+}
+
+std::string OutText::Shown() const {
+    if (m_place == m_own.get()) return "(untouched)";
+    return m_place ? Narrow(m_place) : "(null)";
+}
+
 AgentFixture::AgentFixture() : m_module(ProgramFolder() + "/wnCOM.dll") {
     EXPECT_EQ(Hex(m_module.Call("DllRegisterServer")), Hex(S_OK));
     EXPECT_EQ(Hex(RegisterFakeComponents(ProgramFolder())), Hex(S_OK));

@@ -21,6 +21,24 @@ inline constexpr const char* kAddress = "http://device/service";
 inline constexpr const char* kResponse =
     "<R><PostURI>http://device/data/7</PostURI><JobUri>http://device/job/7</JobUri></R>";
 
+// A client's variable for an [out] text. It begins with a text of the client's own, which a callee must not free.
+class OutText {
+public:
+    OutText() = default;
+    OutText(const OutText&) = delete;
+    OutText& operator=(const OutText&) = delete;
+    ~OutText();
+
+    // For one call; a text that an earlier call stored is lost.
+    BSTR* put() { return &m_place; }
+    // The text that was stored, "(null)" for null, or "(untouched)".
+    std::string Shown() const;
+
+private:
+    const Bstr m_own = Text("own");
+    BSTR m_place = m_own.get();
+};
+
 // Registers wnCOM and the fakes, writes a configuration with which a submission succeeds, and fails a test that
 // leaves an object or a module lock behind.
 class AgentFixture : public testing::Test {

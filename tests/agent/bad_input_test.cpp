@@ -1,4 +1,6 @@
 // Hostile texts and configurations on the whole road.
+#include <cstdint>
+
 #include "tests/agent/AgentFixture.h"
 
 namespace wncom::test {
@@ -107,6 +109,39 @@ TEST_F(BadInputTest, ALogThatCannotBeOpenedStopsNothing) {
         Prepare();
         EXPECT_EQ(Hex(Send()), Hex(S_OK)) << configuration;
     }
+}
+
+TEST_F(BadInputTest, ACacheManagerThatIsCreatedAsNothingIsNoManager) {
+    Script().Answer("FakeTransport.GetWorkflowCapabilities", "<capabilities/>");
+    Script().FailIn("XMLCacheMgr.create", {Fault::Null});
+    Bstr ticket;
+    EXPECT_EQ(Hex(Agent()->GetCapabilitiesTicket(ticket.put())), Hex(S_OK));
+    EXPECT_EQ(Narrow(ticket.get()), "<capabilities/>");
+    EXPECT_THAT(Log(), Contains("1 WNSimpleCache::SimpleCache not init'ed"));
+}
+
+// Refuses every interface, and leaves rubbish where the answer would stand.
+class RubbishObject final : public IUnknown {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
+        *object = reinterpret_cast<void*>(std::uintptr_t{0x1234});
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+};
+
+TEST_F(BadInputTest, WhatARefusedQueryLeavesBehindIsNotReleased) {
+    RubbishObject rubbish;
+    const auto agent = Create<IWNInitByParent>(kProgIdWendrel);
+    const auto transport = Create<ITransportDesc>(kProgIdTransportDesc);
+    EXPECT_EQ(Hex(agent->InitByParent(&rubbish, transport.get())), Hex(E_FAIL));
+    EXPECT_THAT(Log(), Contains("1 Couldn't get SD interface - 80004002"));
+    EXPECT_EQ(Hex(agent->InitByParent(Service().get(), &rubbish)), Hex(E_FAIL));
+
+    CPComPtr<IWendrel> found;
+    EXPECT_EQ(Hex(CPComPtr<IUnknown>(&rubbish).QueryInterface(found)), Hex(E_NOINTERFACE));
+    EXPECT_FALSE(found);
 }
 
 TEST_F(BadInputTest, DescriptionTextsOfAnySizeAreCarried) {

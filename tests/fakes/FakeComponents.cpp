@@ -1,6 +1,8 @@
 // The module FakeComponents.dll: every outside component of the system, scripted by the test.
+#include <new>
 #include <string>
 
+#include "tests/fakes/FakeCacheMgr.h"
 #include "tests/fakes/FakeObject.h"
 #include "tests/fakes/FakePortMap.h"
 #include "wncom/Descriptions.h"
@@ -13,6 +15,7 @@ Bstr ToBstr(const std::string& utf8) {
     const int units = bytes ? MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, nullptr, 0) : 0;
     Bstr text;
     text.attach(SysAllocStringLen(nullptr, static_cast<UINT>(units)));
+    if (!text) throw std::bad_alloc();
     if (units) MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, text.get(), units);
     text.get()[units] = 0;
     return text;
@@ -128,6 +131,7 @@ struct FakeClass {
 const FakeClass kClasses[] = {
     {CLSID_XMLSimpleAccessor, kProgIdXMLSimpleAccessor, "XMLSimpleAccessor",
      []() -> IUnknown* { return new FakeAccessor; }},
+    {CLSID_XMLCacheMgr, kProgIdXMLCacheMgr, "XMLCacheMgr", []() -> IUnknown* { return new FakeCacheMgr; }},
     {CLSID_PortMap, kProgIdPortMap, "PortMap", []() -> IUnknown* { return new FakePortMap; }},
     {CLSID_DeviceContent, kProgIdDeviceContent, "DeviceContent",
      []() -> IUnknown* { return new FakeRecord("DeviceContent"); }},

@@ -14,6 +14,7 @@
 
 namespace wncom::test {
 
+// Throws std::bad_alloc when memory runs out.
 Bstr ToBstr(const std::string& utf8);
 std::string ToUtf8(BSTR text);
 

@@ -5,9 +5,10 @@ namespace wncom::test {
 HRESULT FakeRecord::get_ServiceList(IUnknown** list) {
     *list = nullptr;
     return Do(m_name + ".get_ServiceList", {}, [&] {
-        auto* services = new FakeList("DeviceServices");
-        for (const FakeService& service : Script().Services()) services->Put(new FakeRecord("Service", service));
-        *list = services;
+        CPComPtr<FakeList> services;
+        services.attach(new FakeList("DeviceServices"));
+        for (const FakeService& service : Script().Services()) services->Put("Service", service);
+        *list = services.detach();
         return S_OK;
     });
 }
@@ -64,9 +65,10 @@ HRESULT FakePortMap::GetMatchingDevices(IPortMapContent*, IPortMapList** devices
     *devices = nullptr;
     return Do("PortMap.GetMatchingDevices", {}, [&] {
         if (Script().Services().empty()) return S_FALSE;
-        auto* list = new FakeList("DeviceList");
-        list->Put(new FakeRecord("Device"));
-        *devices = list;
+        CPComPtr<FakeList> list;
+        list.attach(new FakeList("DeviceList"));
+        list->Put("Device");
+        *devices = list.detach();
         return S_OK;
     });
 }

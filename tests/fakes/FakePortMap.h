@@ -66,7 +66,9 @@ private:
 class FakeList final : public FakeObject<IPortMapList> {
 public:
     explicit FakeList(std::string name) : m_name(std::move(name)) {}
-    void Put(IPortMapContent* record) { m_records.emplace_back().attach(record); }
+    void Put(const char* name, FakeService service = {}) {
+        m_records.emplace_back().attach(new FakeRecord(name, std::move(service)));
+    }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
     HRESULT STDMETHODCALLTYPE Next(IPortMapContent** record) override;
