@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include "tests/support/TestHome.h"
 
@@ -51,7 +52,10 @@ std::string NewStore() {
 
 }  // namespace
 
-DeviceProcess::DeviceProcess(const std::vector<std::string>& arguments) : m_store(NewStore()) {
+DeviceProcess::DeviceProcess(const std::vector<std::string>& arguments) : DeviceProcess(arguments, NewStore()) {}
+
+DeviceProcess::DeviceProcess(const std::vector<std::string>& arguments, std::string store)
+    : m_store(std::move(store)) {
     std::filesystem::create_directories(m_store);
     std::vector<std::string> all = {"--store", m_store};
     all.insert(all.end(), arguments.begin(), arguments.end());

@@ -14,6 +14,8 @@ public:
     // Further arguments, such as {"--fault", "submit:status=500"}. Returns when the service takes connections; throws
     // std::runtime_error when it does not start.
     explicit DeviceProcess(const std::vector<std::string>& arguments = {});
+    // Goes on with the store of a device that has ended.
+    DeviceProcess(const std::vector<std::string>& arguments, std::string store);
     DeviceProcess(const DeviceProcess&) = delete;
     DeviceProcess& operator=(const DeviceProcess&) = delete;
     ~DeviceProcess();

@@ -11,6 +11,7 @@
 #include "tests/support/DeviceProcess.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestHome.h"
+#include "wncom/Bstr.h"
 #include "wncom/RmtJobControl.h"
 
 namespace wncom::test {
@@ -84,6 +85,22 @@ private:
     HMODULE m_module = nullptr;
     TransportMake m_make = nullptr;
     TransportUnmake m_unmake = nullptr;
+};
+
+// What an operation left in its slot, as UTF-8; the slots' texts are freed.
+class ExceptionSlot {
+public:
+    BSTR* operator&() { return m_text.put(); }
+    std::string Text() const {
+        const int units = static_cast<int>(m_text.length());
+        const int bytes = WideCharToMultiByte(CP_UTF8, 0, m_text.get(), units, nullptr, 0, nullptr, nullptr);
+        std::string text(static_cast<std::size_t>(bytes), '\0');
+        WideCharToMultiByte(CP_UTF8, 0, m_text.get(), units, text.data(), bytes, nullptr, nullptr);
+        return text;
+    }
+
+private:
+    Bstr m_text;
 };
 
 // The text of the first element of a name, as it stands in the document.

@@ -16,7 +16,7 @@ struct FaultCase {
     const char* name;
     const char* fault;
     const char* failure;
-    friend void PrintTo(const FaultCase& fault, std::ostream* out) { *out << fault.fault; }
+    friend void PrintTo(const FaultCase& one, std::ostream* out) { *out << one.fault; }
 };
 
 class HttpTransportFaultTest : public HttpTransportTest, public testing::WithParamInterface<FaultCase> {};

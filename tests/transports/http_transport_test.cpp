@@ -10,7 +10,6 @@ namespace wncom::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 // The client ports that stand in a device's log: one per connection.
 std::set<std::string> Connections(const std::string& log) {
@@ -154,14 +153,6 @@ TEST_F(HttpTransportTest, ObjectWithoutAUsableAddressRefusesEveryCall) {
     }
     const Object object = Make("http://127.0.0.1:1");
     EXPECT_THROW(object->Initialize("ftp://127.0.0.1/", {}), std::invalid_argument);
-}
-
-TEST_F(HttpTransportTest, OperationsOnDataAndEventsSayThatTheyAreNotOffered) {
-    const Object object = Make("http://127.0.0.1:1");
-    EXPECT_EQ(FailureOf([&] { object->GetData("path", "", nullptr, 1); }),
-              "GetData is not offered by this transport");
-    EXPECT_EQ(FailureOf([&] { object->GetSupportedEvents(); }),
-              "GetSupportedEvents is not offered by this transport");
 }
 
 TEST_F(HttpTransportTest, ModuleWorksAgainAfterItWasReleased) {

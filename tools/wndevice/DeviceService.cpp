@@ -5,11 +5,13 @@
 #include <chrono>
 #include <cstdio>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <utility>
 
 #include "tools/wndevice/Connections.h"
 #include "tools/wndevice/Documents.h"
+#include "tools/wndevice/EventDocuments.h"
 #include "tools/wndevice/RandomId.h"
 #include "tools/wndevice/RequestBody.h"
 
@@ -21,22 +23,17 @@ using httplib::Request;
 using httplib::Response;
 
 constexpr const char* kHost = "127.0.0.1";
-constexpr const char* kXml = "application/xml; charset=utf-8";
 constexpr std::size_t kTicketLimit = std::size_t{64} << 20;  // bytes
-constexpr std::size_t kRememberedRequests = 10000;
 // Each open connection holds a thread, whether it is in use or not.
 constexpr std::size_t kConnections = 64;
 constexpr int kSeconds = 30;  // of silence inside a request, and between two requests of a connection
 
-void Xml(Response& answer, int status, const std::string& document) {
-    answer.status = status;
-    answer.set_content(document, kXml);
-}
-
 }  // namespace
 
 DeviceService::DeviceService(std::string name, const std::filesystem::path& store, Faults& faults, bool quiet)
-    : m_name(std::move(name)), m_jobs(store), m_faults(faults) {
+    : m_name(std::move(name)), m_jobs(store), m_data(store), m_faults(faults) {
+    const JobStore::Counts counts = m_jobs.Count();
+    CountJobs(counts.accepted, counts.complete);
     m_server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
     m_server.set_keep_alive_max_count(100000);
     m_server.set_keep_alive_timeout(kSeconds);
@@ -92,13 +89,10 @@ void DeviceService::AddRoutes() {
                         SkipBody(request, reader);
                         Serve("end", request, answer, [this](const Request& r, Response& a) { EndSession(r, a); });
                     });
-    m_server.Post("/capabilities", [this](const Request& request, Response& answer, const ContentReader& reader) {
-        ServeDocument("capabilities", request, answer, reader,
-                      [this](const Request& r, Response& a) { Capabilities(r, a); });
-    });
-    m_server.Post("/jobs", [this](const Request& request, Response& answer, const ContentReader& reader) {
-        ServeDocument("submit", request, answer, reader, [this](const Request& r, Response& a) { Submit(r, a); });
-    });
+    m_server.Post("/capabilities", ServeDocument("capabilities", Caller::InSession,
+                                                 [this](const Request& r, Response& a) { Capabilities(r, a); }));
+    m_server.Post(
+        "/jobs", ServeDocument("submit", Caller::InSession, [this](const Request& r, Response& a) { Submit(r, a); }));
     const auto data = [this](const Request& request, Response& answer, const ContentReader& reader) {
         bool taken = false;
         Serve("data", request, answer, [&](const Request& r, Response& a) {
@@ -112,6 +106,8 @@ void DeviceService::AddRoutes() {
     m_server.Get("/jobs/([^/]+)", [this](const Request& request, Response& answer) {
         Serve("job", request, answer, [this](const Request& r, Response& a) { ShowJob(r, a); });
     });
+    AddDataRoutes();
+    AddEventRoutes();
     // Everything else that has a body, lest the library keep it in memory.
     const auto unknown = [](const Request& request, Response& answer, const ContentReader& reader) {
         SkipBody(request, reader);
@@ -128,25 +124,33 @@ void DeviceService::Serve(const char* operation, const Request& request, Respons
         if (m_faults.Before(operation, request, answer)) return;
         work(request, answer);
         m_faults.After(operation, request, answer);
+    } catch (const std::invalid_argument& fault) {
+        Tell(answer, 422, fault.what());
     } catch (const std::exception& failure) {
         Tell(answer, 500, failure.what());
     }
 }
 
-void DeviceService::ServeDocument(const char* operation, const Request& request, Response& answer,
-                                  const ContentReader& reader, const Work& work) {
-    std::string document;
-    if (!ReadText(request, answer, reader, kTicketLimit, document)) return;
-    Serve(operation, request, answer, [&](const Request&, Response&) {
-        if (!m_sessions.Use(request.get_header_value("Session-Id"))) {
-            return Tell(answer, 403, "The request belongs to no open session");
-        }
-        const std::string fault = FaultOfXml(document);
-        if (!fault.empty()) return Tell(answer, 422, "The document is not well-formed: " + fault);
-        Request whole = request;
-        whole.body = std::move(document);
-        work(whole, answer);
-    });
+httplib::Server::HandlerWithContentReader DeviceService::ServeDocument(const char* operation, Caller caller,
+                                                                       Work work) {
+    return [=, this](const Request& request, Response& answer, const ContentReader& reader) {
+        std::string document;
+        if (!ReadText(request, answer, reader, kTicketLimit, document)) return;
+        Serve(operation, request, answer, [&](const Request&, Response&) {
+            if (caller == Caller::InSession && !IsInSession(request, answer)) return;
+            const std::string fault = FaultOfXml(document);
+            if (!fault.empty()) throw std::invalid_argument("The document is not well-formed: " + fault);
+            Request whole = request;
+            whole.body = std::move(document);
+            work(whole, answer);
+        });
+    };
+}
+
+bool DeviceService::IsInSession(const Request& request, Response& answer) {
+    if (m_sessions.Use(request.get_header_value("Session-Id"))) return true;
+    Tell(answer, 403, "The request belongs to no open session");
+    return false;
 }
 
 void DeviceService::StartSession(const Request& request, Response& answer) {
@@ -164,21 +168,22 @@ void DeviceService::EndSession(const Request& request, Response& answer) {
 void DeviceService::Capabilities(const Request& request, Response& answer) const {
     const auto workflowId = WorkflowOfRequest(request.body);
     if (!workflowId) return Tell(answer, 422, "The document is no capabilities request");
-    Xml(answer, 200, CapabilitiesTicket(m_name, *workflowId));
+    TellXml(answer, 200, CapabilitiesTicket(m_name, *workflowId));
 }
 
 void DeviceService::Submit(const Request& request, Response& answer) {
-    const std::string requestId = request.get_header_value("Request-Id");
-    if (!requestId.empty() && !IsId(requestId)) return Tell(answer, 400, "The request id has not the right form");
-    // Held until the job is stored: a repeated request that overtakes its first must not make a second job.
-    const std::lock_guard guard(m_submitLock);
-    const auto repeated = m_submitted.find(requestId);
-    const std::string jobId = repeated == m_submitted.end() ? m_jobs.Add(request.body) : repeated->second;
-    if (m_submitted.size() == kRememberedRequests) m_submitted.clear();
-    if (!requestId.empty()) m_submitted[requestId] = jobId;
-    const std::string jobAddress = m_address + "/jobs/" + jobId;
-    Xml(answer, 201, ResponseTicket(jobId, jobAddress + "/data", jobAddress));
-    answer.set_header("Location", jobAddress);
+    const auto address = [this](const std::string& jobId) { return m_address + "/jobs/" + jobId; };
+    const std::string jobId = m_submitted.Once(request.get_header_value("Request-Id"), [&] {
+        const std::string id = m_jobs.Add(request.body);
+        CountJobs(1, 0);
+        Event event{"jobAccepted", {{"jobId", id}, {"jobUri", address(id)}}};
+        const std::string name = JobNameOf(request.body);
+        if (!name.empty()) event.properties.emplace_back("jobName", name);
+        m_subscriptions.Publish(event);
+        return id;
+    });
+    TellXml(answer, 201, ResponseTicket(jobId, address(jobId) + "/data", address(jobId)));
+    answer.set_header("Location", address(jobId));
 }
 
 void DeviceService::TakeData(const Request& request, Response& answer, const ContentReader& reader) {
@@ -191,13 +196,26 @@ void DeviceService::TakeData(const Request& request, Response& answer, const Con
     const auto sink = [&](const char* bytes, std::size_t count) { delivery.Write(bytes, count); };
     if (!ReadBody(request, answer, reader, sink)) return;
     if (!delivery.Finish()) return Tell(answer, 409, "The job has its data already");
+    CountJobs(0, 1);
+    m_subscriptions.Publish({"jobDataReceived",
+                             {{"jobId", jobId},
+                              {"jobUri", m_address + "/jobs/" + jobId},
+                              {"dataBytes", std::to_string(m_jobs.DataBytes(jobId).value_or(0))}}});
     Tell(answer, 200, "The job has its data");
+}
+
+void DeviceService::CountJobs(std::size_t accepted, std::size_t complete) {
+    const std::lock_guard guard(m_countLock);
+    m_counts.accepted += accepted;
+    m_counts.complete += complete;
+    m_data.SetCounter("jobsAccepted", m_counts.accepted);
+    m_data.SetCounter("jobsComplete", m_counts.complete);
 }
 
 void DeviceService::ShowJob(const Request& request, Response& answer) const {
     const std::string jobId = request.matches[1];
     if (!m_jobs.Has(jobId)) return Tell(answer, 404, "There is no such job");
-    Xml(answer, 200, JobState(jobId, m_jobs.DataBytes(jobId)));
+    TellXml(answer, 200, JobState(jobId, m_jobs.DataBytes(jobId)));
 }
 
 }  // namespace wndevice

@@ -6,13 +6,15 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <mutex>
 #include <string>
 
+#include "tools/wndevice/DeviceData.h"
 #include "tools/wndevice/Faults.h"
 #include "tools/wndevice/JobStore.h"
+#include "tools/wndevice/RequestMemory.h"
 #include "tools/wndevice/SessionTable.h"
+#include "tools/wndevice/SubscriptionTable.h"
 
 namespace wndevice {
 
@@ -37,12 +39,17 @@ private:
     using Work = std::function<void(const httplib::Request&, httplib::Response&)>;
 
     void AddRoutes();
+    void AddDataRoutes();
+    void AddEventRoutes();
     void AddLog();
-    // One operation with its faults; a failure of the work is answered with 500.
+    // One operation with its faults. Work that throws std::invalid_argument refuses what the request holds (422);
+    // any other failure is the device's own (500).
     void Serve(const char* operation, const httplib::Request& request, httplib::Response& answer, const Work& work);
-    // An operation that takes an XML document inside a session; the work gets it in the request's body.
-    void ServeDocument(const char* operation, const httplib::Request& request, httplib::Response& answer,
-                       const httplib::ContentReader& reader, const Work& work);
+    // An operation that takes an XML document, in a session or by anyone; the work gets it in the request's body.
+    enum class Caller { Anyone, InSession };
+    httplib::Server::HandlerWithContentReader ServeDocument(const char* operation, Caller caller, Work work);
+    // Whether the request belongs to an open session; refuses it otherwise.
+    bool IsInSession(const httplib::Request& request, httplib::Response& answer);
 
     void StartSession(const httplib::Request& request, httplib::Response& answer);
     void EndSession(const httplib::Request& request, httplib::Response& answer);
@@ -51,13 +58,31 @@ private:
     void TakeData(const httplib::Request& request, httplib::Response& answer, const httplib::ContentReader& reader);
     void ShowJob(const httplib::Request& request, httplib::Response& answer) const;
 
+    // So many more jobs, and so many more that have their data.
+    void CountJobs(std::size_t accepted, std::size_t complete);
+
+    void ReadData(const httplib::Request& request, httplib::Response& answer) const;
+    void WriteData(const httplib::Request& request, httplib::Response& answer);
+
+    void ListProperties(const httplib::Request& request, httplib::Response& answer) const;
+    // The new subscription's id; empty when there are too many.
+    std::string AddSubscription(const httplib::Request& request, const Subscription& subscription);
+    void Subscribe(const httplib::Request& request, httplib::Response& answer);
+    void SubscribeTicket(const httplib::Request& request, httplib::Response& answer);
+    void Renew(const httplib::Request& request, httplib::Response& answer);
+    void Cancel(const httplib::Request& request, httplib::Response& answer);
+
     std::string m_name;
     std::string m_address;
     JobStore m_jobs;
+    DeviceData m_data;
+    std::mutex m_countLock;
+    JobStore::Counts m_counts;
     SessionTable m_sessions;
+    SubscriptionTable m_subscriptions;
     Faults& m_faults;
-    std::mutex m_submitLock;
-    std::map<std::string, std::string> m_submitted;  // request id to job id
+    RequestMemory m_submitted;   // gives job ids
+    RequestMemory m_subscribed;  // gives subscription ids
     std::atomic<bool> m_ended = false;
     httplib::Server m_server;
 };

@@ -1,39 +1,11 @@
 #include "tools/wndevice/Documents.h"
 
 #include <pugixml.hpp>
-#include <sstream>
+
+#include "tools/wndevice/EventKinds.h"
+#include "tools/wndevice/XmlWriter.h"
 
 namespace wndevice {
-namespace {
-
-// One child element with a text.
-void Add(pugi::xml_node parent, const char* name, const std::string& text) {
-    parent.append_child(name).text().set(text.c_str());
-}
-
-// A new document with its XML declaration; the caller fills its root element.
-class Document {
-public:
-    explicit Document(const char* rootName) {
-        pugi::xml_node declaration = m_document.append_child(pugi::node_declaration);
-        declaration.append_attribute("version") = "1.0";
-        declaration.append_attribute("encoding") = "UTF-8";
-        root = m_document.append_child(rootName);
-    }
-    std::string Text() const {
-        std::ostringstream text;
-        m_document.save(text, "  ");
-        return text.str();
-    }
-
-private:
-    pugi::xml_document m_document;
-
-public:
-    pugi::xml_node root;
-};
-
-}  // namespace
 
 std::string FaultOfXml(const std::string& text) {
     pugi::xml_document document;
@@ -53,33 +25,33 @@ std::optional<std::string> WorkflowOfRequest(const std::string& request) {
 }
 
 std::string CapabilitiesTicket(const std::string& deviceName, const std::string& workflowId) {
-    Document document("capabilities");
-    Add(document.root, "deviceName", deviceName);
+    XmlWriter document("capabilities");
+    AddText(document.root, "deviceName", deviceName);
     pugi::xml_node workflow = document.root.append_child("workflow");
-    Add(workflow, "workflowId", workflowId.empty() ? "production" : workflowId);
-    Add(workflow, "dataDelivery", "post");
+    AddText(workflow, "workflowId", workflowId.empty() ? "production" : workflowId);
+    AddText(workflow, "dataDelivery", "post");
     pugi::xml_node colours = workflow.append_child("colourModes");
-    for (const char* mode : {"colour", "monochrome"}) Add(colours, "mode", mode);
+    for (const char* mode : {"colour", "monochrome"}) AddText(colours, "mode", mode);
     pugi::xml_node media = workflow.append_child("media");
-    for (const char* size : {"A4", "A3", "SRA3"}) Add(media, "size", size);
+    for (const char* size : {"A4", "A3", "SRA3"}) AddText(media, "size", size);
     pugi::xml_node events = document.root.append_child("events");
-    for (const char* event : {"jobAccepted", "jobDataReceived"}) Add(events, "event", event);
+    for (const EventKind& kind : EventKinds()) AddText(events, "event", kind.name);
     return document.Text();
 }
 
 std::string ResponseTicket(const std::string& jobId, const std::string& dataAddress, const std::string& jobAddress) {
-    Document document("submitResponse");
-    Add(document.root, "JobId", jobId);
-    Add(document.root, "PostURI", dataAddress);
-    Add(document.root, "JobUri", jobAddress);
+    XmlWriter document("submitResponse");
+    AddText(document.root, "JobId", jobId);
+    AddText(document.root, "PostURI", dataAddress);
+    AddText(document.root, "JobUri", jobAddress);
     return document.Text();
 }
 
 std::string JobState(const std::string& jobId, std::optional<std::uintmax_t> bytes) {
-    Document document("job");
-    Add(document.root, "JobId", jobId);
-    Add(document.root, "state", bytes ? "complete" : "waitingForData");
-    if (bytes) Add(document.root, "dataBytes", std::to_string(*bytes));
+    XmlWriter document("job");
+    AddText(document.root, "JobId", jobId);
+    AddText(document.root, "state", bytes ? "complete" : "waitingForData");
+    if (bytes) AddText(document.root, "dataBytes", std::to_string(*bytes));
     return document.Text();
 }
 

@@ -23,7 +23,21 @@ struct Kind {
     const char* help;
 };
 
-constexpr std::array<std::string_view, 6> kOperations = {"session", "end", "capabilities", "submit", "data", "job"};
+constexpr std::array<std::string_view, 15> kOperations = {"session",
+                                                          "end",
+                                                          "capabilities",
+                                                          "submit",
+                                                          "data",
+                                                          "job",
+                                                          "read",
+                                                          "write",
+                                                          "events",
+                                                          "properties",
+                                                          "event-capabilities",
+                                                          "subscribe",
+                                                          "subscribe-ticket",
+                                                          "renew",
+                                                          "cancel"};
 constexpr std::array<Kind, 8> kKinds = {{
     {"status", Value::Number, "status=CODE      answers with this HTTP status and a text"},
     {"close", Value::None, "close            closes the connection without an answer"},

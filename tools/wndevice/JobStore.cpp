@@ -52,6 +52,15 @@ std::optional<std::uintmax_t> JobStore::DataBytes(const std::string& jobId) cons
     return absent ? std::nullopt : std::optional(bytes);
 }
 
+JobStore::Counts JobStore::Count() const {
+    Counts counts;
+    for (const auto& job : fs::directory_iterator(m_jobs)) {
+        ++counts.accepted;
+        if (fs::exists(job.path() / "data.bin")) ++counts.complete;
+    }
+    return counts;
+}
+
 JobStore::Delivery::Delivery(const JobStore& store, const std::string& jobId)
     : m_incoming(store.m_incoming / NewId()),
       m_data(store.m_jobs / jobId / "data.bin"),

@@ -22,6 +22,13 @@ public:
     bool Has(const std::string& jobId) const;
     std::optional<std::uintmax_t> DataBytes(const std::string& jobId) const;
 
+    // How many jobs there are, and how many of them have their data; reads the whole folder.
+    struct Counts {
+        std::size_t accepted = 0;
+        std::size_t complete = 0;
+    };
+    Counts Count() const;
+
     // One delivery of a job's data. Nothing of it is seen until Finish; what was not finished leaves no trace.
     class Delivery {
     public:

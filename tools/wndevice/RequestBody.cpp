@@ -19,6 +19,11 @@ void Tell(httplib::Response& answer, int status, const std::string& sentence) {
     answer.set_content(sentence + "\n", "text/plain; charset=utf-8");
 }
 
+void TellXml(httplib::Response& answer, int status, const std::string& document) {
+    answer.status = status;
+    answer.set_content(document, "application/xml; charset=utf-8");
+}
+
 bool ReadBody(const httplib::Request& request, httplib::Response& answer, const httplib::ContentReader& reader,
               const std::function<void(const char*, std::size_t)>& sink) {
     if (!HasBody(request)) {

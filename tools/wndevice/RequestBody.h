@@ -13,6 +13,9 @@ namespace wndevice {
 // Sets an answer of one sentence.
 void Tell(httplib::Response& answer, int status, const std::string& sentence);
 
+// Sets an answer that is an XML document.
+void TellXml(httplib::Response& answer, int status, const std::string& document);
+
 // Hands the body to the sink in pieces; a sink that throws does not stop the reading, its failure comes at the end.
 // False when there is no body to be had (no length given, a form, or cut off): the answer then says so.
 bool ReadBody(const httplib::Request& request, httplib::Response& answer, const httplib::ContentReader& reader,

@@ -1,4 +1,6 @@
 // wndevice: a device service on loopback, for trying and testing transports.
+#include <curl/curl.h>
+#include <libxml/parser.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -38,6 +40,10 @@ void WritePortFile(const std::filesystem::path& path, const std::string& address
 }
 
 void Serve(const Options& options) {
+    // Neither library may be started by two threads at once.
+    xmlInitParser();
+    if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) throw std::runtime_error("libcurl does not start");
+
     wndevice::Faults faults;
     for (const std::string& fault : options.faults) faults.Add(fault);
     wndevice::DeviceService service(options.name, options.store, faults, options.quiet);
@@ -69,13 +75,13 @@ void Serve(const Options& options) {
 int main(int argc, char** argv) {
     Options options;
     CLI::App app(
-        "A device service on loopback: takes sessions, intent tickets and job data over HTTP. It prints its "
-        "service address and ends on SIGTERM or SIGINT.",
+        "A device service on loopback: takes sessions, intent tickets and job data over HTTP, keeps device data and "
+        "sends events. It prints its service address and ends on SIGTERM or SIGINT.",
         "wndevice");
     app.add_option("--port", options.port, "Port of 127.0.0.1; 0 takes any free one")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    app.add_option("--store", options.store, "Folder for the jobs, made when absent")->required();
+    app.add_option("--store", options.store, "Folder for the jobs and the device data, made when absent")->required();
     app.add_option("--port-file", options.portFile, "File that receives the service address");
     app.add_option("--name", options.name, "Device name in the capabilities ticket")->capture_default_str();
     app.add_option("--fault", options.faults, "A fault, such as submit:status=500; may be given again");

@@ -123,11 +123,13 @@ std::string HttpClient::Send(const Call& call) const {
     const bool rightType = !call.answerType || IsOfType(type, call.answerType);
     const std::string typeShown = OneLine(type ? type : "none");
     const bool sentence = IsOfType(type, "text/plain");
+    const bool document = IsOfType(type, "application/xml");
     SharedConnections().Keep(m_address.origin, std::move(handle));
 
     if (status < 200 || status > 299) {
-        throw std::runtime_error(what + ": status " + std::to_string(status) +
-                                 (sentence ? ", " + OneLine(answer.body) : std::string()));
+        std::string message = what + ": status " + std::to_string(status);
+        if (sentence) message += ", " + OneLine(answer.body);
+        throw Refusal(message, sentence || document ? std::move(answer.body) : std::string());
     }
     if (!rightType) {
         throw std::runtime_error(what + ": the answer is of type " + typeShown + " instead of " + call.answerType);

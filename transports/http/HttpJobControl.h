@@ -12,8 +12,8 @@ namespace wncom::http {
 
 // One service, by the protocol of docs/device-protocol.md. Every operation either succeeds or logs why not and
 // throws: std::invalid_argument for what the caller handed over, std::runtime_error for what the device or the
-// network did. XML answers come as XmlFromWire says. Operations on device data and events are not offered yet and
-// throw.
+// network did. Operations with a slot for a text put there what went wrong; what the device refuses does not throw
+// from them but gives an empty text, or false. XML answers come as XmlFromWire says.
 class HttpJobControl final : public RmtJobControl {
 public:
     HttpJobControl();
@@ -31,6 +31,7 @@ public:
     // The new session replaces the one that this object has.
     CString StartSession() override;
     void EndSession() override;
+    // The operations on events that have no slot need no session.
     CString Subscribe(CString subscriptionInfo, CString filterProperties, CString consumerInterface) override;
     void Unsubscribe(CString subscriptionId) override;
     RemoteArray* GetSupportedEvents() override;
@@ -46,6 +47,8 @@ public:
 
 private:
     const HttpClient& Client() const;
+    // A document in UTF-8 for the device, inside the session if there is one.
+    Call DocumentCall(std::string path, std::string document, std::string extraHeader = {}) const;
     // Sends a document inside the session and gives the XML that comes back.
     CString SendDocument(const char* path, const CString& document, std::string extraHeader = {}) const;
     std::string SessionHeader() const;

@@ -1,7 +1,5 @@
 #include "transports/http/WireText.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <stdexcept>
@@ -41,12 +39,19 @@ bool AppendNarrow(std::string& text, WCHAR unit) {
     return true;
 }
 
-std::basic_string<WCHAR> Decode(std::string_view text) {
+// Empty when the text is, or is not of the code page and the flags refuse that.
+std::basic_string<WCHAR> Widen(UINT codePage, DWORD flags, std::string_view text) {
     const int bytes = static_cast<int>(text.size());
-    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), bytes, nullptr, 0);
-    if (units <= 0) throw std::runtime_error("the answer is no UTF-8");
+    const int units = MultiByteToWideChar(codePage, flags, text.data(), bytes, nullptr, 0);
+    if (units <= 0) return {};
     std::basic_string<WCHAR> wide(static_cast<std::size_t>(units), WCHAR{});
-    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), bytes, wide.data(), units);
+    MultiByteToWideChar(codePage, flags, text.data(), bytes, wide.data(), units);
+    return wide;
+}
+
+std::basic_string<WCHAR> Decode(std::string_view text) {
+    std::basic_string<WCHAR> wide = Widen(CP_UTF8, MB_ERR_INVALID_CHARS, text);
+    if (wide.empty()) throw std::runtime_error("the answer is no UTF-8");
     return wide;
 }
 
@@ -70,6 +75,40 @@ std::string ToWire(std::string_view text) {
         }
     }
     return wire;
+}
+
+std::string NarrowToWire(std::string_view text) {
+    const std::basic_string<WCHAR> wide = Widen(CP_THREAD_ACP, 0, text);
+    const int units = static_cast<int>(wide.size());
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string wire(static_cast<std::size_t>(std::max(bytes, 0)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, wire.data(), bytes, nullptr, nullptr);
+    return wire;
+}
+
+std::basic_string<WCHAR> WireToWide(std::string_view text) { return Widen(CP_UTF8, 0, text); }
+
+std::string XmlElement(const char* name, std::string_view text) {
+    std::string element = std::string("<") + name + ">";
+    for (const char c : text) {
+        switch (c) {
+            case '<':
+                element += "&lt;";
+                break;
+            case '>':
+                element += "&gt;";
+                break;
+            case '&':
+                element += "&amp;";
+                break;
+            case '\r':
+                element += "&#13;";
+                break;  // a bare one would come out as a line feed
+            default:
+                element += c;
+        }
+    }
+    return element + "</" + name + ">";
 }
 
 std::string XmlFromWire(std::string answer) {
