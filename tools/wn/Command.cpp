@@ -1,9 +1,14 @@
 #include "tools/wn/Command.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
+
+#include "tools/wn/Texts.h"
 
 namespace wn {
 namespace {
+
+constexpr std::size_t kLabelWidth = 17;  // characters
 
 std::string SystemText(DWORD code) {
     char* text = nullptr;
@@ -28,23 +33,34 @@ std::string StatusText(HRESULT status) {
 
 std::string ErrorText(DWORD code) { return SystemText(code) + " (" + std::to_string(code) + ")"; }
 
+CLI::Validator NotEmpty() {
+    return {[](std::string& text) { return text.empty() ? std::string("must not be empty") : std::string(); }, ""};
+}
+
 void Report::Add(const char* key, const char* label, const std::string& value) { Add(key, label, value, value); }
 
 void Report::Add(const char* key, const char* label, const nlohmann::json& value, const std::string& text) {
     m_values[key] = value;
     if (text.empty()) return;
     std::string name(label);
-    if (name.size() < 14) name.resize(14, ' ');
-    m_lines += name + " " + text + "\n";
+    if (name.size() < kLabelWidth) name.resize(kLabelWidth, ' ');
+    Line(name + " " + text);
 }
 
-void Report::Line(const std::string& text) { m_lines += text + "\n"; }
+void Report::AddSetting(const char* name, const std::optional<std::string>& value, const std::string& none) {
+    const bool absent = !value || value->empty();
+    Add(name, name, absent ? nlohmann::json() : nlohmann::json(*value), absent ? none : *value);
+}
 
-void Report::Print() const {
+void Report::Line(const std::string& text) { m_lines += Printable(text) + "\n"; }
+
+void Report::Print() {
     const std::string text =
         m_json ? m_values.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : m_lines;
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
+    m_lines.clear();
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+        throw CommandError("Cannot write the answer to standard output");
+    }
 }
 
 }  // namespace wn

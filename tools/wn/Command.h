@@ -4,12 +4,14 @@
 #include <windows.h>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
 namespace CLI {
 class App;
-}
+class Validator;
+}  // namespace CLI
 
 namespace wn {
 
@@ -24,7 +26,11 @@ std::string StatusText(HRESULT status);
 // The same for a system error code.
 std::string ErrorText(DWORD code);
 
-// One answer of a command: printed as lines "name  value" for people, or as one JSON object with --json.
+// For an option or argument whose empty value would be taken for none.
+CLI::Validator NotEmpty();
+
+// One answer of a command: printed as lines "name  value" for people, or as one JSON object with --json. Control
+// characters in a line become question marks; what a service answers must not reach the terminal as it is.
 class Report {
 public:
     explicit Report(bool json) : m_json(json) {}
@@ -32,11 +38,26 @@ public:
     // key is the JSON name, label what a person reads; an empty text is left out of the lines.
     void Add(const char* key, const char* label, const std::string& value);
     void Add(const char* key, const char* label, const nlohmann::json& value, const std::string& text);
+    // A setting as it stands in the registry: its name is also its label; absent or empty it is null, shown as none.
+    void AddSetting(const char* name, const std::optional<std::string>& value, const std::string& none);
     // Lines for people only.
     void Line(const std::string& text);
-    bool json() const { return m_json; }
-    // Writes everything to standard output.
-    void Print() const;
+
+    // Runs the rest of the work and prints the report when it ends, also when it throws: what was reached stays
+    // known. People see at once what is in the report by then.
+    template <class Work>
+    void PrintAfter(Work work) {
+        if (!m_json) Print();
+        try {
+            work();
+        } catch (...) {
+            Print();
+            throw;
+        }
+        Print();
+    }
+    // Writes to standard output what was not written yet. Throws CommandError when that fails.
+    void Print();
 
 private:
     bool m_json;

@@ -13,32 +13,58 @@
 namespace wn {
 namespace {
 
+constexpr std::uint64_t kLongestAnswer = 1U << 20;  // bytes
+
 struct Upload {
     InputFile& file;
     ProgressBar& progress;
     std::uint64_t sent = 0;
-    std::string answer;            // the beginning of it
-    std::exception_ptr readError;  // carried past the library, which knows no exceptions
+    std::uint64_t answered = 0;
+    std::string answer;          // the beginning of it
+    std::exception_ptr failure;  // carried past the library, which knows no exceptions
+};
+
+struct Free {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
 
 std::size_t GiveBytes(char* buffer, std::size_t size, std::size_t count, void* context) {
     Upload& upload = *static_cast<Upload*>(context);
     try {
         const std::size_t read = upload.file.Read(buffer, size * count);
+        if (read == 0 && upload.sent < upload.file.size())
+            throw CommandError("The data file became shorter meanwhile");
         upload.sent += read;
         upload.progress.Show(upload.sent);
         return read;
     } catch (...) {
-        upload.readError = std::current_exception();
+        upload.failure = std::current_exception();
         return CURL_READFUNC_ABORT;
     }
 }
 
 std::size_t TakeAnswer(char* bytes, std::size_t size, std::size_t count, void* context) {
     constexpr std::size_t kKept = 500;
-    std::string& answer = static_cast<Upload*>(context)->answer;
+    Upload& upload = *static_cast<Upload*>(context);
+    std::string& answer = upload.answer;
     if (answer.size() < kKept) answer.append(bytes, std::min(size * count, kKept - answer.size()));
-    return size * count;
+    upload.answered += size * count;
+    return upload.answered <= kLongestAnswer ? size * count : 0;
+}
+
+// Data for this machine takes no way over a proxy, whatever the environment says.
+bool IsLoopback(const std::string& address) {
+    const std::unique_ptr<CURLU, Free> url(curl_url());
+    char* host = nullptr;
+    if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK ||
+        curl_url_get(url.get(), CURLUPART_HOST, &host, 0) != CURLUE_OK) {
+        return false;
+    }
+    const std::string name(host);
+    curl_free(host);
+    return name == "localhost" || name == "[::1]" || name.starts_with("127.");
 }
 
 std::string FirstLine(const std::string& text) {
@@ -46,17 +72,12 @@ std::string FirstLine(const std::string& text) {
     return line.empty() ? "" : ": " + line;
 }
 
-struct Free {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-
 }  // namespace
 
 Delivery Deliver(const std::string& path, const std::string& address, int deliveryMethod) {
     InputFile file(path);
     ProgressBar progress(file.size());
-    Upload upload{file, progress, 0, {}, nullptr};
+    Upload upload{file, progress, 0, 0, {}, nullptr};
     const std::unique_ptr<CURL, Free> handle(curl_easy_init());
     if (!handle) throw CommandError("Cannot start the HTTP client");
     CURL* curl = handle.get();
@@ -68,6 +89,7 @@ Delivery Deliver(const std::string& path, const std::string& address, int delive
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers.get());
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    if (IsLoopback(address)) curl_easy_setopt(curl, CURLOPT_PROXY, "");
     curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, 5000L);
     curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
     curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, 60L);
@@ -86,7 +108,8 @@ Delivery Deliver(const std::string& path, const std::string& address, int delive
     const auto started = std::chrono::steady_clock::now();
     const CURLcode code = curl_easy_perform(curl);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
-    if (upload.readError) std::rethrow_exception(upload.readError);
+    if (upload.failure) std::rethrow_exception(upload.failure);
+    if (upload.answered > kLongestAnswer) throw CommandError("The service at " + address + " answers without end");
     if (code != CURLE_OK) {
         throw CommandError("The data did not reach " + address + ": " + curl_easy_strerror(code));
     }

@@ -3,14 +3,20 @@
 #include <algorithm>
 
 #include "tools/wn/Command.h"
+#include "tools/wn/Paths.h"
+#include "tools/wn/Texts.h"
 
 namespace wn {
 
 InputFile::InputFile(const std::string& path)
     : m_path(path),
-      m_file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                         FILE_ATTRIBUTE_NORMAL, nullptr)) {
-    if (m_file == INVALID_HANDLE_VALUE) throw CommandError("Cannot open " + path + ": " + ErrorText(GetLastError()));
+      m_file(CreateFileW(FromUtf8(path, "The path").get(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+    if (m_file == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        if (IsDirectory(path)) throw CommandError(path + " is a directory: give the path of a file");
+        throw CommandError("Cannot open " + path + ": " + ErrorText(error));
+    }
     DWORD high = 0;
     const DWORD low = GetFileSize(m_file, &high);
     m_size = (static_cast<std::uint64_t>(high) << 32) | low;

@@ -8,7 +8,7 @@
 
 namespace wn {
 
-// Failures throw CommandError with the path.
+// Paths are in UTF-8 and may hold any character. Failures throw CommandError with the path.
 class InputFile {
 public:
     explicit InputFile(const std::string& path);

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "tools/wn/Command.h"
+#include "tools/wn/Paths.h"
 #include "tools/wn/RegistryKey.h"
 
 namespace wn {
@@ -10,7 +11,7 @@ namespace {
 
 // The components that read a configuration of their own; the default is for those that have none.
 const char* const kComponents[] = {"CWendrel", "CWendrelParent", "JobControlFactory"};
-constexpr std::size_t kLongestValue = 259;  // characters; what a component reads
+constexpr std::size_t kLongestPath = 238;  // bytes; beyond it the name of the file's mutex is too long
 
 struct Options {
     std::string component;  // empty: the default
@@ -19,36 +20,34 @@ struct Options {
     unsigned limit = 0;
 };
 
-std::string NameOf(const std::string& component) { return component.empty() ? "default" : component; }
+const char* NameOf(const std::string& component) { return component.empty() ? "default" : component.c_str(); }
 
 void Write(const Options& options, const std::string& value, bool json) {
-    if (value.size() > kLongestValue) {
-        throw CommandError("The path is too long: a logging configuration holds at most " +
-                           std::to_string(kLongestValue) + " characters");
-    }
     kLoggingKey.Write(options.component, value);
     Report report(json);
-    report.Add(NameOf(options.component).c_str(), NameOf(options.component).c_str(), value);
+    report.AddSetting(NameOf(options.component), value, "");
     report.Print();
 }
 
 void WriteFileForm(const Options& options, bool json) {
-    if (options.path.find(',') != std::string::npos) {
-        throw CommandError("A log path cannot hold a comma: it separates the fields of the configuration");
+    const std::string path = WholeFile(options.path);
+    if (path.find(',') != std::string::npos) {
+        throw CommandError("A log path cannot hold a comma, which separates the fields of the configuration: " +
+                           path);
     }
-    std::string value = "file," + options.path + ",";
+    if (NarrowPath(path).size() > kLongestPath) {
+        throw CommandError("The log path is longer than " + std::to_string(kLongestPath) + " bytes: " + path);
+    }
+    std::string value = "file," + path + ",";
     if (options.limit != 0) value += std::to_string(options.limit) + ",";
     Write(options, value + std::to_string(options.level), json);
 }
 
 void Show(bool json) {
     Report report(json);
-    const std::string none = "not configured";
-    const std::string fallback = kLoggingKey.Read("").value_or("");
-    report.Add("default", "default", fallback, fallback.empty() ? none : fallback);
+    report.AddSetting("default", kLoggingKey.Read(""), "not configured");
     for (const char* component : kComponents) {
-        const std::string value = kLoggingKey.Read(component).value_or("");
-        report.Add(component, component, value, value.empty() ? "as the default" : value);
+        report.AddSetting(component, kLoggingKey.Read(component), "as the default");
     }
     report.Print();
 }
@@ -56,21 +55,25 @@ void Show(bool json) {
 void Remove(const Options& options, bool json) {
     kLoggingKey.Remove(options.component);
     Report report(json);
-    report.Add(NameOf(options.component).c_str(), NameOf(options.component).c_str(), nullptr, "not configured");
+    report.AddSetting(NameOf(options.component), std::nullopt, "not configured");
     report.Print();
 }
 
 void AddTarget(CLI::App* command, Options& options) {
     command
-        ->add_option("--for", options.component, "Component (default: all that have no configuration of their own)")
-        ->check(CLI::IsMember({kComponents[0], kComponents[1], kComponents[2]}));
+        ->add_option(
+            "--for", options.component,
+            "CWendrel, CWendrelParent or JobControlFactory (default: all without a configuration of their own)")
+        ->type_name("COMPONENT")
+        ->check(CLI::IsMember({kComponents[0], kComponents[1], kComponents[2]}).description(""));
 }
 
 void AddLevel(CLI::App* command, Options& options) {
     command
         ->add_option("--level", options.level,
                      "1 errors, 2 failures worked around, 3 flow, 4 details, 5 calls, 8 everything")
-        ->check(CLI::Range(0U, 8U))
+        ->type_name("0-8")
+        ->check(CLI::Range(0U, 8U).description(""))
         ->capture_default_str();
 }
 
@@ -79,12 +82,19 @@ void AddLevel(CLI::App* command, Options& options) {
 void AddLoggingCommands(CLI::App& app, const bool& json) {
     CLI::App* logging = app.add_subcommand("logging", "Where the library writes its log, and how much");
     logging->require_subcommand(1);
+    logging->footer(
+        "A program takes the change over when it next creates its first agent. 'wn logging COMMAND --help' tells more.");
     auto options = std::make_shared<Options>();
 
     CLI::App* file = logging->add_subcommand("file", "Write to a file that all processes share");
-    file->add_option("PATH", options->path, "The log file")->required();
-    file->add_option("--limit", options->limit, "Cut the file to its last KB when its last user ends")
-        ->check(CLI::Range(1U, 1023U));
+    file->add_option("PATH", options->path, "The log file; its directory must exist")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty());
+    file->add_option("--limit", options->limit, "Cut the file to its last KB when its last user ends, 1 to 1023")
+        ->type_name("KB")
+        ->check(CLI::Range(1U, 1023U).description(""));
+    file->footer("Example:\n  wn logging file /var/log/wncom.log --level 3 --limit 500");
     AddLevel(file, *options);
     AddTarget(file, *options);
     file->callback([options, &json] { WriteFileForm(*options, json); });

@@ -1,18 +1,13 @@
 // wn portmap: which services there are and which transport reaches each.
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <pugixml.hpp>
-#include <sstream>
 
 #include "tools/wn/Command.h"
-#include "tools/wn/InputFile.h"
-#include "tools/wn/RegistryKey.h"
+#include "tools/wn/Paths.h"
+#include "tools/wn/PortMapDocument.h"
 
 namespace wn {
 namespace {
-
-constexpr std::uint64_t kLargestFile = 64U << 20;  // bytes
-constexpr const char* kFileValue = "portmapfile";
 
 struct Options {
     std::string device = "devices";
@@ -20,59 +15,6 @@ struct Options {
     std::string address;
     std::string transport = "network";
     std::string file;
-};
-
-std::string FilePath() {
-    if (const auto configured = kPortMapKey.Read(kFileValue); configured && !configured->empty()) return *configured;
-    char folder[MAX_PATH];
-    const UINT length = GetWindowsDirectoryA(folder, sizeof(folder));
-    if (length == 0 || length >= sizeof(folder)) throw CommandError("The Windows directory is unknown");
-    return std::string(folder, length) + "\\portmap.xml";
-}
-
-// The file as a person wrote it, comments and all; a missing file is an empty port map.
-class PortMapDocument {
-public:
-    PortMapDocument() : m_path(FilePath()) {
-        if (GetFileAttributesA(m_path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-            const std::string text = InputFile(m_path).ReadAll(kLargestFile);
-            const pugi::xml_parse_result result = m_document.load_buffer(text.data(), text.size(), pugi::parse_full);
-            if (!result) {
-                throw CommandError(m_path + " is damaged at byte " + std::to_string(result.offset) + ": " +
-                                   result.description() + ". Mend it by hand first");
-            }
-        }
-        if (!Root()) m_document.append_child("portmap");
-    }
-
-    pugi::xml_node Root() const { return m_document.child("portmap"); }
-    const std::string& path() const { return m_path; }
-
-    // The file holds the old or the new text at every moment.
-    void Save() const {
-        std::ostringstream text;
-        m_document.save(text, "  ", pugi::format_default, pugi::encoding_utf8);
-        const std::string bytes = text.str();
-        const std::string temporary = m_path + ".new";
-        const HANDLE file =
-            CreateFileA(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) {
-            throw CommandError("Cannot write " + temporary + ": " + ErrorText(GetLastError()));
-        }
-        DWORD written = 0;
-        const bool whole = WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-                           written == bytes.size();
-        const DWORD error = GetLastError();
-        CloseHandle(file);
-        if (!whole) throw CommandError("Cannot write " + temporary + ": " + ErrorText(error));
-        if (!MoveFileExA(temporary.c_str(), m_path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-            throw CommandError("Cannot replace " + m_path + ": " + ErrorText(GetLastError()));
-        }
-    }
-
-private:
-    std::string m_path;
-    pugi::xml_document m_document;
 };
 
 pugi::xml_node FindService(pugi::xml_node root, const std::string& address) {
@@ -89,7 +31,7 @@ void SetAttribute(pugi::xml_node node, const char* name, const std::string& valu
 }
 
 void Add(const Options& options, bool json) {
-    PortMapDocument document;
+    PortMapDocument document(PortMapDocument::Use::Change);
     pugi::xml_node service = FindService(document.Root(), options.address);
     if (!service) {
         pugi::xml_node device = document.Root().find_child_by_attribute("device", "name", options.device.c_str());
@@ -111,9 +53,11 @@ void Add(const Options& options, bool json) {
 }
 
 void Remove(const Options& options, bool json) {
-    PortMapDocument document;
+    PortMapDocument document(PortMapDocument::Use::Change);
     pugi::xml_node service = FindService(document.Root(), options.address);
-    if (!service) throw CommandError("The port map has no service with the address " + options.address);
+    if (!service)
+        throw CommandError("The port map has no service with the address " + options.address +
+                           ". 'wn portmap list' shows them");
     service.parent().remove_child(service);
     document.Save();
     Report report(json);
@@ -122,7 +66,7 @@ void Remove(const Options& options, bool json) {
 }
 
 void List(bool json) {
-    const PortMapDocument document;
+    const PortMapDocument document(PortMapDocument::Use::Read);
     Report report(json);
     nlohmann::json devices = nlohmann::json::array();
     for (const pugi::xml_node device : document.Root().children("device")) {
@@ -143,10 +87,8 @@ void List(bool json) {
 }
 
 void SetFile(const Options& options, bool json) {
-    char whole[1024];
-    const DWORD length = GetFullPathNameA(options.file.c_str(), sizeof(whole), whole, nullptr);
-    if (length == 0 || length >= sizeof(whole)) throw CommandError("Not a path: " + options.file);
-    kPortMapKey.Write(kFileValue, whole);
+    const std::string whole = WholeFile(options.file);
+    SetPortMapPath(whole);
     Report report(json);
     report.Add("file", "file", whole);
     report.Print();
@@ -157,24 +99,40 @@ void SetFile(const Options& options, bool json) {
 void AddPortMapCommands(CLI::App& app, const bool& json) {
     CLI::App* portMap = app.add_subcommand("portmap", "Which services there are, and which transport reaches each");
     portMap->require_subcommand(1);
+    portMap->footer("A service that the port map does not list is reached over the network.");
     auto options = std::make_shared<Options>();
 
     CLI::App* add = portMap->add_subcommand("add", "Add a service, or change the one with this address");
-    add->add_option("ADDRESS", options->address, "Address of the service")->required();
-    add->add_option("--device", options->device, "Device that a new service belongs to")->capture_default_str();
-    add->add_option("--name", options->service, "Name of the service");
-    add->add_option("--transport", options->transport, "\"network\", or a type of the catalogue")
+    add->add_option("ADDRESS", options->address, "Address of the service")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty());
+    add->add_option("--device", options->device, "Device that a new service belongs to")
+        ->type_name("NAME")
         ->capture_default_str();
+    add->add_option("--name", options->service, "Name of the service, for people")->type_name("NAME");
+    add->add_option("--transport", options->transport, "\"network\", or a transport type that Transports.xml lists")
+        ->type_name("TYPE")
+        ->capture_default_str();
+    add->footer(
+        "Example:\n"
+        "  wn portmap add http://127.0.0.1:8631/service --device \"Press hall\" --transport network");
     add->callback([options, &json] { Add(*options, json); });
 
     CLI::App* remove = portMap->add_subcommand("remove", "Remove the service with this address");
-    remove->add_option("ADDRESS", options->address, "Address of the service")->required();
+    remove->add_option("ADDRESS", options->address, "Address of the service, whole")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty());
     remove->callback([options, &json] { Remove(*options, json); });
 
     portMap->add_subcommand("list", "List the devices and their services")->callback([&json] { List(json); });
 
     CLI::App* file = portMap->add_subcommand("file", "Keep the port map in this file");
-    file->add_option("PATH", options->file, "XML file; an absent one is an empty port map")->required();
+    file->add_option("PATH", options->file, "XML file; an absent one is an empty port map")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty());
     file->callback([options, &json] { SetFile(*options, json); });
 }
 

@@ -5,6 +5,7 @@
 
 #include "tools/wn/ComSession.h"
 #include "tools/wn/Command.h"
+#include "tools/wn/Paths.h"
 
 namespace wn {
 namespace {
@@ -14,7 +15,7 @@ using EntryPoint = HRESULT(STDAPICALLTYPE*)();
 class Module {
 public:
     explicit Module(const std::string& path)
-        : m_module(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+        : m_module(LoadLibraryExA(NarrowPath(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
         if (!m_module) throw CommandError("Cannot load " + path + ": " + ErrorText(GetLastError()));
     }
     Module(const Module&) = delete;
@@ -29,38 +30,37 @@ private:
     HMODULE m_module;
 };
 
-// A registration must hold wherever it is used from, so it takes a whole path.
-std::string WholePath(const std::string& path) {
-    char whole[4096];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof(whole), whole, nullptr);
-    if (length == 0 || length >= sizeof(whole)) throw CommandError("Not a path: " + path);
-    return whole;
-}
-
 void CallEntryPoint(const std::vector<std::string>& paths, const char* entryPoint, const char* done, bool json) {
     const ComSession session;
     Report report(json);
-    nlohmann::json modules = nlohmann::json::array();
-    for (const std::string& path : paths) {
-        const std::string whole = WholePath(path);
-        const Module module(whole);
-        const EntryPoint function = module.Find(entryPoint);
-        if (!function) throw CommandError(path + " is no component module: it has no " + entryPoint);
-        if (const HRESULT status = function(); FAILED(status)) {
-            throw CommandError(std::string(entryPoint) + " of " + path + " failed: " + StatusText(status));
+    report.PrintAfter([&] {
+        nlohmann::json modules = nlohmann::json::array();
+        report.Add("modules", "", modules, "");
+        for (const std::string& path : paths) {
+            // A registration must hold wherever it is used from.
+            const std::string whole = WholeFile(path);
+            const Module module(whole);
+            const EntryPoint function = module.Find(entryPoint);
+            if (!function) throw CommandError(whole + " is no component module: it has no " + entryPoint);
+            if (const HRESULT status = function(); FAILED(status)) {
+                throw CommandError(std::string(entryPoint) + " of " + whole + " failed: " + StatusText(status));
+            }
+            report.Line(std::string(done) + " " + whole);
+            modules.push_back(whole);
+            report.Add("modules", "", modules, "");
         }
-        modules.push_back(whole);
-        report.Line(std::string(done) + " " + whole);
-    }
-    report.Add("modules", "", modules, "");
-    report.Print();
+    });
 }
 
 void AddCommand(CLI::App& app, const bool& json, const char* name, const char* help, const char* entryPoint,
                 const char* done) {
     CLI::App* command = app.add_subcommand(name, help);
     auto paths = std::make_shared<std::vector<std::string>>();
-    command->add_option("MODULE", *paths, "Component module, such as wnCOM.dll")->required();
+    command->add_option("MODULE", *paths, "Component module, such as wnCOM.dll")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty());
+    command->footer(std::string("Example:\n  wn ") + name + " wnCOM.dll wnComponents.dll");
     command->callback([paths, entryPoint, done, &json] { CallEntryPoint(*paths, entryPoint, done, json); });
 }
 

@@ -1,6 +1,7 @@
 #include "tools/wn/RegistryKey.h"
 
 #include "tools/wn/Command.h"
+#include "tools/wn/Texts.h"
 
 namespace wn {
 namespace {
@@ -48,17 +49,22 @@ std::optional<std::string> RegistryKey::Read(const std::string& name) const {
         RegQueryValueExA(key.get(), name.c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(value.data()), &size);
     if (error != ERROR_SUCCESS) Fail("Cannot read", m_path, error);
     value.resize(size);
-    return value.substr(0, value.find('\0'));
+    return FromNarrow(value.substr(0, value.find('\0')));
 }
 
 void RegistryKey::Write(const std::string& name, const std::string& value) const {
+    const std::optional<std::string> narrow = ToNarrow(value);
+    if (!narrow) {
+        throw CommandError("The registry cannot hold " + value + ": the system's code page (" +
+                           std::to_string(GetACP()) + ") lacks one of its characters");
+    }
     HKEY created = nullptr;
     LSTATUS error = RegCreateKeyExA(HKEY_LOCAL_MACHINE, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                     KEY_WRITE, nullptr, &created, nullptr);
     if (error != ERROR_SUCCESS) Fail("Cannot create", m_path, error);
     const OpenKey key(created);
-    error = RegSetValueExA(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                           static_cast<DWORD>(value.size() + 1));
+    error = RegSetValueExA(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(narrow->c_str()),
+                           static_cast<DWORD>(narrow->size() + 1));
     if (error != ERROR_SUCCESS) Fail("Cannot write", m_path, error);
 }
 

@@ -8,8 +8,8 @@
 
 namespace wn {
 
-// Texts are read and written as REG_SZ. Failures throw CommandError with the key's name; an absent key or value is
-// no failure of a read or a removal.
+// Texts are UTF-8 here and REG_SZ in the narrow code page there. Failures throw CommandError with the key's name; an
+// absent key or value is no failure of a read or a removal.
 class RegistryKey {
 public:
     explicit RegistryKey(std::string path) : m_path(std::move(path)) {}

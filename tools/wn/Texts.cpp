@@ -1,31 +1,68 @@
 #include "tools/wn/Texts.h"
 
+#include <algorithm>
+
 #include "tools/wn/Command.h"
 
 namespace wn {
+namespace {
 
-std::string ToUtf8(std::basic_string_view<OLECHAR> text) {
+using WideText = std::basic_string<OLECHAR>;
+
+// Nothing for bytes that are none of that code page's.
+std::optional<WideText> Widen(UINT codePage, std::string_view text) {
+    if (text.empty()) return WideText();
+    const int bytes = static_cast<int>(text.size());
+    const int units = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, text.data(), bytes, nullptr, 0);
+    if (units <= 0) return std::nullopt;
+    WideText wide(static_cast<std::size_t>(units), OLECHAR());
+    MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, text.data(), bytes, wide.data(), units);
+    return wide;
+}
+
+std::string NarrowTo(UINT codePage, std::basic_string_view<OLECHAR> text) {
     if (text.empty()) return {};
     const int units = static_cast<int>(text.size());
-    const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(bytes), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, result.data(), bytes, nullptr, nullptr);
+    const int bytes = WideCharToMultiByte(codePage, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(codePage, 0, text.data(), units, narrow.data(), bytes, nullptr, nullptr);
+    return narrow;
+}
+
+}  // namespace
+
+std::string ToUtf8(std::basic_string_view<OLECHAR> text) { return NarrowTo(CP_UTF8, text); }
+
+wncom::Bstr FromUtf8(std::string_view text, const std::string& what) {
+    const std::optional<WideText> wide = Widen(CP_UTF8, text);
+    if (!wide) throw CommandError(what + " is not UTF-8 text");
+    wncom::Bstr result{std::basic_string_view<OLECHAR>(*wide)};
+    if (!result) throw CommandError(what + " does not fit into memory");
     return result;
 }
 
-wncom::Bstr FromUtf8(std::string_view text, const std::string& what) {
-    wncom::Bstr result;
-    if (text.empty()) {
-        result.attach(SysAllocStringLen(nullptr, 0));
-        return result;
-    }
-    const int bytes = static_cast<int>(text.size());
-    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), bytes, nullptr, 0);
-    if (units <= 0) throw CommandError(what + " is not UTF-8 text");
-    result.attach(SysAllocStringLen(nullptr, static_cast<UINT>(units)));
-    if (!result) throw CommandError(what + " does not fit into memory");
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, result.get(), units);
-    return result;
+std::optional<std::string> ToNarrow(std::string_view text) {
+    const std::optional<WideText> wide = Widen(CP_UTF8, text);
+    if (!wide) return std::nullopt;
+    std::string narrow = NarrowTo(CP_ACP, *wide);
+    // Whether a character was replaced shows on every code page only in the way back.
+    if (Widen(CP_ACP, narrow) != wide) return std::nullopt;
+    return narrow;
+}
+
+std::string FromNarrow(std::string_view text) {
+    // A byte that the code page does not know must not hide the rest.
+    if (const std::optional<WideText> wide = Widen(CP_ACP, text)) return ToUtf8(*wide);
+    std::string ascii(text);
+    std::replace_if(
+        ascii.begin(), ascii.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; }, '?');
+    return ascii;
+}
+
+std::string Printable(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
+    return text;
 }
 
 }  // namespace wn

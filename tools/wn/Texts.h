@@ -1,8 +1,9 @@
-// Texts between COM (UTF-16) and the terminal (UTF-8).
+// Texts between COM (UTF-16), the terminal (UTF-8) and the system's narrow calls (its code page).
 #pragma once
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,12 @@ namespace wn {
 std::string ToUtf8(std::basic_string_view<OLECHAR> text);
 // Throws CommandError naming what the text is when it is not UTF-8, or when memory runs out.
 wncom::Bstr FromUtf8(std::string_view text, const std::string& what);
+
+// UTF-8 in the narrow code page; nothing when a character has no place in it, or the text is not UTF-8.
+std::optional<std::string> ToNarrow(std::string_view text);
+std::string FromNarrow(std::string_view text);
+
+// The text on one line of a terminal: each control character becomes a question mark.
+std::string Printable(std::string text);
 
 }  // namespace wn

@@ -3,7 +3,36 @@
 #include <cstdio>
 #include <exception>
 
+#include "components/Utf8.h"
 #include "tools/wn/Command.h"
+#include "tools/wn/Texts.h"
+
+namespace {
+
+void PrintError(const std::string& text) { std::fprintf(stderr, "wn: %s\n", wn::Printable(text).c_str()); }
+
+// The command as far as it was understood, such as "wn logging file".
+std::string Understood(const CLI::App& app) {
+    std::string name = "wn";
+    for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
+        at = at->get_subcommands().front();
+        name += " " + at->get_name();
+    }
+    return name;
+}
+
+int RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
+    std::string what = error.what();
+    // A misspelt command shows only as the lack of one.
+    const std::vector<std::string> rest = app.remaining(true);
+    if (dynamic_cast<const CLI::RequiredError*>(&error) && !rest.empty()) {
+        what = (rest.front().starts_with("-") ? "There is no option " : "There is no command ") + rest.front();
+    }
+    PrintError(what + ". '" + Understood(app) + " --help' tells more");
+    return 2;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     bool json = false;
@@ -13,23 +42,31 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.fallthrough();
     app.footer(
-        "The settings belong to the home folder in WNCOM_HOME (on Windows: to the machine).\n"
-        "Status: 0 done, 1 failed, 2 the command line was wrong.");
+        "Beginning on a new machine:\n"
+        "  wn register wnCOM.dll wnComponents.dll\n"
+        "  wn directories --catalogue DIR --libraries DIR\n"
+        "  wn submit ticket.xml --to ADDRESS --data FILE\n"
+        "'wn COMMAND --help' tells more. The settings belong to the home folder in WNCOM_HOME (on Windows: to the\n"
+        "machine). Status: 0 done, 1 failed, 2 the command line was wrong.");
     wn::AddSubmitCommand(app, json);
     wn::AddRegisterCommands(app, json);
     wn::AddLoggingCommands(app, json);
     wn::AddDirectoryCommands(app, json);
     wn::AddPortMapCommands(app, json);
+    for (int i = 1; i < argc; ++i) {
+        if (wncom::components::IsUtf8(argv[i])) continue;
+        PrintError("Argument " + std::to_string(i) + " is not UTF-8 text");
+        return 2;
+    }
     try {
         app.parse(argc, argv);
         return 0;
     } catch (const CLI::Success& asked) {
         return app.exit(asked);
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "wn: %s. 'wn --help' shows the commands.\n", error.what());
-        return 2;
+        return RefuseCommandLine(app, error);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "wn: %s\n", error.what());
+        PrintError(error.what());
         return 1;
     }
 }
