@@ -60,16 +60,19 @@ HRESULT CWendrel::Initialise(IUnknown* serviceDescription, IUnknown* transportDe
     if (!transport || !service || !ValidateSD(*service.get())) return E_FAIL;
     m_transportDesc = transport;
     m_serviceDesc = service;
+    return Connect("failed SD->GetAddress()==%08lx\n").status;
+}
 
+CWendrel::Connection CWendrel::Connect(const char* failure) {
     Bstr address;
     const HRESULT status = m_serviceDesc->GetAddress(address.put());
     if (FAILED(status) || !address) {
-        Log(1, "failed SD->GetAddress()==%08lx\n", status);
-        return status;
+        Log(1, failure, status);
+        return {status, false};
     }
     Log(3, "ServiceURI=%S\n", address.get());
     m_bridge.SetServiceURI(address.get());
-    return status;
+    return {status, true};
 }
 
 HRESULT CWendrel::StartSession() {
@@ -79,14 +82,8 @@ HRESULT CWendrel::StartSession() {
 HRESULT CWendrel::StartSessionOfService() {
     const TraceScope trace("CWendrel::StartSession", "Wendrel", __LINE__);
     if (!m_serviceDesc) return E_UNEXPECTED;
-    Bstr address;
-    const HRESULT status = m_serviceDesc->GetAddress(address.put());
-    if (FAILED(status) || !address) {
-        Log(1, "failed StartSession SD->GetAddress()==%08lx\n", status);
-        return status;
-    }
-    Log(3, "ServiceURI=%S\n", address.get());
-    m_bridge.SetServiceURI(address.get());
+    const Connection connection = Connect("failed StartSession SD->GetAddress()==%08lx\n");
+    if (!connection.made) return connection.status;
     const MallocText<WCHAR> context = m_bridge.StartSession();
     Log(3, "szWc is %Sn", context.get());
     if (context) {
@@ -95,26 +92,17 @@ HRESULT CWendrel::StartSessionOfService() {
         if (!text) return E_OUTOFMEMORY;
         m_transportDesc->SetSessionContext(text.get());
     }
-    return status;
+    return connection.status;
 }
 
 HRESULT CWendrel::EndSession() {
-    return Guarded([&] { return EndSessionOfService(); });
-}
-
-HRESULT CWendrel::EndSessionOfService() {
-    const TraceScope trace("CWendrel::EndSession", "Wendrel", __LINE__);
-    if (!m_serviceDesc) return E_UNEXPECTED;
-    Bstr address;
-    const HRESULT status = m_serviceDesc->GetAddress(address.put());
-    if (FAILED(status) || !address) {
-        Log(1, "failed SD->GetAddress()==%08lx\n", status);
-        return status;
-    }
-    Log(3, "ServiceURI=%S\n", address.get());
-    m_bridge.SetServiceURI(address.get());
-    m_bridge.EndSession();
-    return status;
+    return Guarded([&] {
+        const TraceScope trace("CWendrel::EndSession", "Wendrel", __LINE__);
+        if (!m_serviceDesc) return E_UNEXPECTED;
+        const Connection connection = Connect("failed SD->GetAddress()==%08lx\n");
+        if (connection.made) m_bridge.EndSession();
+        return connection.status;
+    });
 }
 
 HRESULT CWendrel::RestartSession() {

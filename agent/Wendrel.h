@@ -79,7 +79,13 @@ public:
 private:
     HRESULT Initialise(IUnknown* serviceDescription, IUnknown* transportDescription);
     HRESULT StartSessionOfService();
-    HRESULT EndSessionOfService();
+    // Reads the service's address, which may have changed, and connects the bridge to it afresh. Without an address
+    // nothing is connected and the failure's text is logged with the status.
+    struct Connection {
+        HRESULT status;  // of reading the address
+        bool made;
+    };
+    Connection Connect(const char* failure);
     HRESULT Submit(BSTR intentTicket, BSTR* responseTicket);
     // Null when the session or the service gave none.
     MallocText<WCHAR> GetCapabilitiesTicketViaOrb(BSTR identifier);
