@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <cstdio>
 #include <vector>
 
 namespace wncom::bench {
@@ -66,15 +65,6 @@ template <class Ours, class Peers>
 PairedResult ComparePairs(std::size_t pairs, std::size_t operations, Ours ours, Peers peers) {
     return MeasurePairs(
         pairs, operations, [&] { return TimeOf(ours); }, [&] { return TimeOf(peers); });
-}
-
-inline void PrintHeading(const char* peersName) {
-    std::printf("%-40s %12s %12s %10s   %s\n", "", "ours, ns", "peer, ns", "times as", "quartiles");
-    std::printf("%-40s %12s %12.12s %10s\n", "", "", peersName, "fast");
-}
-inline void PrintResult(const char* name, const PairedResult& result) {
-    std::printf("%-40s %12.1f %12.1f %10.2f   %.2f to %.2f\n", name, result.ours, result.peers, result.ratio,
-                result.low, result.high);
 }
 
 }  // namespace wncom::bench

@@ -1,47 +1,26 @@
 // The logger against spdlog: a line to a file, a line to a file that two processes share, and a disabled line.
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 
-#include "bench/PairedRatio.h"
+#include "bench/Bench.h"
 #include "common/LoggingInternals.h"
+#include "tests/support/TestHome.h"
 
+namespace wncom::bench {
 namespace {
-
-using namespace wncom;
-using namespace wncom::bench;
 
 constexpr std::size_t kPairs = 51;
 constexpr std::size_t kLines = 5000;
 constexpr std::size_t kDisabledLines = 2000000;
 constexpr std::size_t kProcesses = 2;
-
-// Holds the home and both log files, and removes them.
-class Folder {
-public:
-    Folder() : m_path(std::filesystem::temp_directory_path() / "wncom-bench-XXXXXX") {
-        std::string path = m_path.string();
-        if (!mkdtemp(path.data())) std::exit(2);
-        m_path = path;
-        setenv("WNCOM_HOME", path.c_str(), 1);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() { std::filesystem::remove_all(m_path); }
-
-    std::string File(const char* name) const { return (m_path / name).string(); }
-
-private:
-    std::filesystem::path m_path;
-};
 
 // Both write date, time, process, thread, level and about 50 characters more: lines of about 100 bytes.
 void OpenOurs(const std::string& path) { InitLogging(3, LogDestination::File, path.c_str(), 0); }
@@ -65,13 +44,11 @@ void CheckLines(const std::string& path, std::size_t expected) {
     std::ifstream file(path);
     std::size_t lines = 0;
     for (std::string line; std::getline(file, line); ++lines) {
-        if (line.find("::calling SubmitJob on mJobControl") != std::string::npos) continue;
-        std::fprintf(stderr, "%s: broken line: %s\n", path.c_str(), line.c_str());
-        std::exit(1);
+        const bool whole = line.find("::calling SubmitJob on mJobControl") != std::string::npos;
+        Require(whole, path + ": broken line: " + line);
     }
-    if (lines == expected) return;
-    std::fprintf(stderr, "%s: %zu lines, %zu expected\n", path.c_str(), lines, expected);
-    std::exit(1);
+    Require(lines == expected,
+            path + ": " + std::to_string(lines) + " lines, " + std::to_string(expected) + " expected");
 }
 
 // The time from the moment at which all processes are ready until the last one has ended.
@@ -105,9 +82,10 @@ double TimeProcesses(Open open, Write write) {
     return time;
 }
 
-void CompareProcesses(const Folder& folder) {
-    const std::string ours = folder.File("ours-shared.log");
-    const std::string peers = folder.File("peers-shared.log");
+// While this process has no log open that its children would share.
+void SharedLine(benchmark::State& state) {
+    const std::string ours = test::HomePath() + "/ours-shared.log";
+    const std::string peers = test::HomePath() + "/peers-shared.log";
     const auto result = MeasurePairs(
         kPairs, kProcesses * kLines,
         [&] {
@@ -124,15 +102,15 @@ void CompareProcesses(const Folder& folder) {
         });
     CheckLines(ours, (kPairs + 1) * kProcesses * kLines);
     CheckLines(peers, (kPairs + 1) * kProcesses * kLines);
-    PrintResult("a line, two processes on one file", result);
+    Report(state, result);
 }
 
-void CompareOneProcess(const Folder& folder) {
-    const std::string ours = folder.File("ours.log");
-    const std::string peers = folder.File("peers.log");
+void WrittenLine(benchmark::State& state) {
+    const std::string ours = test::HomePath() + "/ours.log";
+    const std::string peers = test::HomePath() + "/peers.log";
     OpenOurs(ours);
     const auto logger = OpenPeers(peers);
-    const auto file = ComparePairs(
+    const auto result = ComparePairs(
         kPairs, kLines,
         [] {
             for (std::size_t line = 0; line != kLines; ++line) OurLine(line);
@@ -140,29 +118,44 @@ void CompareOneProcess(const Folder& folder) {
         [&] {
             for (std::size_t line = 0; line != kLines; ++line) PeersLine(*logger, line);
         });
+    CloseLogging();
     CheckLines(ours, (kPairs + 1) * kLines);
     CheckLines(peers, (kPairs + 1) * kLines);
-    PrintResult("a line to a file", file);
+    Report(state, result);
+}
 
-    const auto disabled = ComparePairs(
-        kPairs, kDisabledLines,
-        [] {
-            for (std::size_t line = 0; line != kDisabledLines; ++line) WNCOM_LOG(4, "line %u of %s", line, "many");
-        },
-        [&] {
-            for (std::size_t line = 0; line != kDisabledLines; ++line) logger->debug("line {} of {}", line, "many");
-        });
-    PrintResult("a disabled line", disabled);
+// Four lines a turn, so that the loop itself hardly counts.
+void DisabledLine(benchmark::State& state) {
+    OpenOurs(test::HomePath() + "/ours-disabled.log");
+    const auto logger = OpenPeers(test::HomePath() + "/peers-disabled.log");
+    Report(state, ComparePairs(
+                      kPairs, kDisabledLines,
+                      [] {
+                          for (std::size_t line = 0; line != kDisabledLines; line += 4) {
+                              WNCOM_LOG(4, "line %u of %s", line, "many");
+                              WNCOM_LOG(4, "line %u of %s", line + 1, "many");
+                              WNCOM_LOG(4, "line %u of %s", line + 2, "many");
+                              WNCOM_LOG(4, "line %u of %s", line + 3, "many");
+                          }
+                      },
+                      [&] {
+                          for (std::size_t line = 0; line != kDisabledLines; line += 4) {
+                              logger->debug("line {} of {}", line, "many");
+                              logger->debug("line {} of {}", line + 1, "many");
+                              logger->debug("line {} of {}", line + 2, "many");
+                              logger->debug("line {} of {}", line + 3, "many");
+                          }
+                      }));
     CloseLogging();
 }
 
 }  // namespace
+}  // namespace wncom::bench
 
-int main() {
-    const Folder folder;
-    PrintHeading("spdlog");
-    // First, while this process has no log open that its children would share.
-    CompareProcesses(folder);
-    CompareOneProcess(folder);
-    return 0;
+int main(int argc, char** argv) {
+    using namespace wncom::bench;
+    Register("line to a file, two processes / spdlog", SharedLine);
+    Register("line to a file / spdlog", WrittenLine);
+    Register("disabled line / spdlog", DisabledLine);
+    return Run(argc, argv);
 }

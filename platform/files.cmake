@@ -5,6 +5,7 @@ target_sources(
             src/date_pictures.cpp
             src/debug_output.cpp
             src/file_io.cpp
+            src/file_object.cpp
             src/file_locks.cpp
             src/file_names.cpp
             src/files.cpp

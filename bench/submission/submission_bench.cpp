@@ -1,18 +1,16 @@
 // A submission through agent, bridge and factory with a transport library that answers at once, beside a bare HTTP
 // POST of the same ticket to wndevice on loopback.
-#include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <windows.h>
 
 #include <ole2.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <stdexcept>
 #include <string>
+#include <utility>
 
-#include "bench/PairedRatio.h"
+#include "bench/Bench.h"
 #include "tests/support/Com.h"
 #include "tests/support/DeviceProcess.h"
 #include "tests/support/TestHome.h"
@@ -28,10 +26,6 @@ constexpr std::size_t kPairs = 41;
 constexpr std::size_t kSubmissions = 50;  // in a slice
 constexpr const char* kLoggingKey = "SOFTWARE\\Quillbeck\\QBNorvel\\Logging";
 constexpr const char* kAddress = "http://127.0.0.1/service";
-
-void Require(bool held, const char* what) {
-    if (!held) throw std::runtime_error(what);
-}
 
 // A home in which the road needs no service, and an agent on it.
 class Road {
@@ -93,7 +87,8 @@ public:
         char id[64];
         std::snprintf(id, sizeof(id), "Request-Id: %032zx", ++m_number);
         curl_slist* headers = curl_slist_append(nullptr, m_session.c_str());
-        for (const char* header : {id, "Content-Type: application/xml", "Expect:"}) {
+        for (const char* header :
+             {m_session.c_str(), static_cast<const char*>(id), "Content-Type: application/xml", "Expect:"}) {
             headers = curl_slist_append(headers, header);
         }
         curl_easy_setopt(m_curl.get(), CURLOPT_HTTPHEADER, headers);
@@ -141,17 +136,13 @@ void Submission(benchmark::State& state, std::size_t bytes, const std::string& l
 }  // namespace wncom::bench
 
 int main(int argc, char** argv) {
-    using wncom::bench::Submission;
+    using namespace wncom::bench;
     const std::string file = "file," + wncom::test::HomePath() + "/bench.log,3";
-    for (const auto& [name, bytes] :
-         {std::pair{"1 KB", std::size_t{1} << 10}, std::pair{"64 KB", std::size_t{64} << 10}}) {
-        for (const auto& [kind, logging] :
-             {std::pair{"logging off", std::string("none")}, std::pair{"level 3", file}}) {
-            wncom::bench::Register(std::string("submission of ") + name + ", " + kind + " / bare POST",
-                                   [bytes, logging](benchmark::State& state) { Submission(state, bytes, logging); });
+    for (const auto& [name, bytes] : {std::pair{"1 KB", std::size_t{1} << 10}, {"64 KB", std::size_t{64} << 10}}) {
+        for (const auto& [kind, logging] : {std::pair{"logging off", std::string("none")}, {"level 3", file}}) {
+            Register(std::string("submission of ") + name + ", " + kind + " / bare POST",
+                     [size = bytes, text = logging](benchmark::State& state) { Submission(state, size, text); });
         }
     }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return Run(argc, argv);
 }

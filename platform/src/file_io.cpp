@@ -36,11 +36,11 @@ bool ReadBytes(const FileObject& file, char* buffer, DWORD bytes, const OVERLAPP
     return true;
 }
 
-std::size_t WriteBytes(const FileObject& file, LPCVOID buffer, DWORD bytes, const OVERLAPPED* at) noexcept {
+std::size_t WriteBytes(FileObject& file, LPCVOID buffer, DWORD bytes, const OVERLAPPED* at) noexcept {
     if (!file.access.regular) return wnplatform::WriteAll(file.Get(), buffer, bytes, true);
     if (!at) return wnplatform::WriteAll(file.Get(), buffer, bytes, false);
     if (at->Offset == kToTheEnd && at->OffsetHigh == kToTheEnd) {
-        return wnplatform::AppendAll(file.Get(), buffer, bytes);
+        return file.Append(buffer, bytes);
     }
     const std::size_t written = wnplatform::WriteAllAt(file.Get(), buffer, bytes, OffsetOf(*at));
     if (written == bytes) lseek(file.Get(), OffsetOf(*at) + static_cast<off_t>(written), SEEK_SET);

@@ -1,6 +1,7 @@
 // An open file.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -30,9 +31,16 @@ public:
         : KernelObject(kKind), access(granted), m_descriptor(std::move(descriptor)) {}
     ~FileObject() override {
         if (!access.owned) m_descriptor.Detach();
+        const Descriptor forAppending(m_forAppending.load());
     }
 
-    int Get() const noexcept { return m_descriptor.Get(); }
+    // Its position is where the calls so far have left it.
+    int Get() const noexcept {
+        if (m_appended.load(std::memory_order_relaxed)) FollowAppends();
+        return m_descriptor.Get();
+    }
+    // As AppendAll.
+    std::size_t Append(const void* bytes, std::size_t count) noexcept;
 
     const Access access;
 
@@ -41,7 +49,17 @@ public:
     std::vector<Range> ranges;  // guarded by rangesLock
 
 private:
+    static constexpr int kNotOpened = -1;
+    static constexpr int kRefused = -2;
+
+    int OpenForAppending() noexcept;
+    void FollowAppends() const noexcept;
+
     Descriptor m_descriptor;
+    // The same file, opened a second time at the first append: the host appends faster to a descriptor that does
+    // nothing else.
+    std::atomic<int> m_forAppending{kNotOpened};
+    mutable std::atomic<bool> m_appended{false};  // the position is that of m_forAppending
 };
 
 // The last error for a path that the host refused with errno: a missing folder and a missing file in it differ.

@@ -79,6 +79,10 @@ bool SearchObject::Next(WIN32_FIND_DATAA& found) {
 
 // The names of a folder that match, in the order of names; of a pattern that is one file's exact name only that one.
 std::vector<std::string> MatchingNames(int folder, const std::string& pattern) {
+    // What holds no wildcard is found without a walk through the folder.
+    const bool isName = pattern.find_first_of("*?") == std::string::npos;
+    struct stat unused;
+    if (isName && fstatat(folder, pattern.c_str(), &unused, AT_SYMLINK_NOFOLLOW) == 0) return {pattern};
     const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(copy < 0 ? nullptr : fdopendir(copy), closedir);
     std::vector<std::string> names;

@@ -21,18 +21,30 @@ namespace {
 
 LSTATUS StatusFromErrno() { return static_cast<LSTATUS>(ErrorFromErrno(errno)); }
 
-// What tells one state of the file from another.
+bool IsSameTime(const timespec& a, const timespec& b) noexcept {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// What tells one state of the file from another. Looked at through an open descriptor it also tells that the file was
+// replaced, renamed or deleted: each of these changes its number of names or the time of its inode's last change.
 struct FileState {
     dev_t device;
     ino_t node;
+    nlink_t names;
     off_t size;
     timespec written;
+    timespec changed;
 
     explicit FileState(const struct stat& file)
-        : device(file.st_dev), node(file.st_ino), size(file.st_size), written(file.st_mtim) {}
+        : device(file.st_dev),
+          node(file.st_ino),
+          names(file.st_nlink),
+          size(file.st_size),
+          written(file.st_mtim),
+          changed(file.st_ctim) {}
     bool operator==(const FileState& other) const noexcept {
-        return device == other.device && node == other.node && size == other.size &&
-               written.tv_sec == other.written.tv_sec && written.tv_nsec == other.written.tv_nsec;
+        return device == other.device && node == other.node && names == other.names && size == other.size &&
+               IsSameTime(written, other.written) && IsSameTime(changed, other.changed);
     }
 };
 
@@ -54,6 +66,7 @@ bool ReadAll(int file, std::string& text) {
 template <class Tree>
 struct Contents {
     Descriptor file;
+    bool byName = false;  // another file may take its place without a trace on this one
     std::optional<FileState> state;
     Tree tree;
 };
@@ -88,17 +101,26 @@ public:
 
 private:
     LSTATUS Refresh() {
-        struct stat now;
-        const bool present = stat(m_path.c_str(), &now) == 0;
-        if (!present && errno != ENOENT) return StatusFromErrno();
-        if (m_current.tree && m_current.state.has_value() == present &&
-            (!present || *m_current.state == FileState(now))) {
-            return ERROR_SUCCESS;
-        }
+        if (m_current.tree && IsCurrent()) return ERROR_SUCCESS;
         FreshContents contents;
         if (const LSTATUS status = Read(contents); status != ERROR_SUCCESS) return status;
         Adopt(contents);
         return ERROR_SUCCESS;
+    }
+
+    bool IsCurrent() const {
+        struct stat now;
+        // Every open and every query asks this, and a look at an open file costs half of one at a name.
+        const bool direct = m_current.file && !m_current.byName;
+        const int result = direct ? fstat(m_current.file.Get(), &now) : stat(m_path.c_str(), &now);
+        if (result != 0) return !m_current.state && errno == ENOENT;
+        return m_current.state && *m_current.state == FileState(now);
+    }
+
+    // False for a link, and for a file that was replaced since its state was taken.
+    bool NameLeadsTo(const FileState& state) const {
+        struct stat named;
+        return lstat(m_path.c_str(), &named) == 0 && FileState(named) == state;
     }
 
     LSTATUS Read(FreshContents& contents) const {
@@ -113,6 +135,7 @@ private:
         std::string text;
         if (fstat(contents.file.Get(), &file) != 0 || !ReadAll(contents.file.Get(), text)) return StatusFromErrno();
         contents.state.emplace(file);
+        contents.byName = !NameLeadsTo(*contents.state);
         contents.tree = text.empty() ? std::make_unique<RegistryTree>() : ParseRegistry(text);
         return ERROR_SUCCESS;
     }
@@ -130,12 +153,15 @@ private:
             return status;
         }
         contents.state.emplace(written);
+        // The new name is itself a change of the inode. Whoever writes to the file meanwhile changes more than this.
+        if (fstat(contents.file.Get(), &written) == 0) contents.state->changed = written.st_ctim;
+        contents.byName = !NameLeadsTo(*contents.state);
         Adopt(contents);
         return ERROR_SUCCESS;
     }
 
     void Adopt(FreshContents& contents) {
-        m_current = {std::move(contents.file), contents.state, std::move(contents.tree)};
+        m_current = {std::move(contents.file), contents.byName, contents.state, std::move(contents.tree)};
         ++m_version;
     }
 

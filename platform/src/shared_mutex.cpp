@@ -1,5 +1,7 @@
 #include "shared_mutex.h"
 
+#include <sched.h>
+
 #include <cerrno>
 #include <ctime>
 
@@ -51,11 +53,24 @@ int SharedMutex::Make() noexcept {
 
 DWORD SharedMutex::Wait(DWORD milliseconds) noexcept {
     // A free mutex is taken without a call into the kernel, whatever the patience.
-    const int result = pthread_mutex_trylock(&m_mutex);
+    int result = pthread_mutex_trylock(&m_mutex);
+    if (result == EBUSY && milliseconds == 0) return WAIT_TIMEOUT;
+    if (result == EBUSY) result = TrySoon();
     if (result != EBUSY) return Answer(result);
-    if (milliseconds == 0) return WAIT_TIMEOUT;
     if (milliseconds == INFINITE) return Answer(pthread_mutex_lock(&m_mutex));
     return Answer(LockUntil(&m_mutex, DeadlineAfter(milliseconds)));
+}
+
+// Most owners hold a mutex for less time than it takes to fall asleep and to be woken.
+int SharedMutex::TrySoon() noexcept {
+    constexpr int kTries = 10;
+    for (int i = 0; i < kTries; ++i) {
+        sched_yield();
+        if (m_thread.load(std::memory_order_relaxed) != 0) continue;
+        const int result = pthread_mutex_trylock(&m_mutex);
+        if (result != EBUSY) return result;
+    }
+    return EBUSY;
 }
 
 DWORD SharedMutex::Answer(int result) noexcept {

@@ -25,6 +25,8 @@ public:
     bool IsOwnedHere() const noexcept;
 
 private:
+    // EBUSY when the mutex is not free within a few turns of the other threads.
+    int TrySoon() noexcept;
     DWORD Answer(int result) noexcept;
     void Taken(DWORD depth) noexcept;
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
 #include <string>
 
 #include "tests/support/TestHome.h"
@@ -81,6 +82,31 @@ TEST(RegistryFile, ChangesAreSeenAtTheNextCall) {
     EXPECT_EQ(QueryText("SOFTWARE\\Seen", "v"), "one");
     WriteWholeFile(File(), kHeader + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Seen]\n\"v\"=\"three\"\n");
     EXPECT_EQ(QueryText("SOFTWARE\\Seen", "v"), "three");
+}
+
+TEST(RegistryFile, IsSeenToBeReplacedHoweverAnEditorDoesIt) {
+    const auto text = [](const std::string& value) {
+        return kHeader + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Replaced]\n\"v\"=\"" + value + "\"\n";
+    };
+    const auto seen = [] { return QueryText("SOFTWARE\\Replaced", "v"); };
+    WriteWholeFile(File(), text("1"));
+    EXPECT_EQ(seen(), "1");
+    WriteWholeFile(File() + ".2", text("2"));
+    std::filesystem::rename(File() + ".2", File());
+    EXPECT_EQ(seen(), "2");
+    std::filesystem::rename(File(), File() + ".backup");
+    WriteWholeFile(File(), text("3"));
+    EXPECT_EQ(seen(), "3");
+    // A link leads to other files while each of them stays as it is.
+    for (const char* value : {"4", "5"}) {
+        WriteWholeFile(File() + "." + value, text(value));
+        std::filesystem::remove(File());
+        std::filesystem::create_symlink(File() + "." + value, File());
+        EXPECT_EQ(seen(), value);
+    }
+    std::filesystem::remove(File());
+    std::string data;
+    EXPECT_EQ(Query("SOFTWARE\\Replaced", "v", data), ERROR_FILE_NOT_FOUND);
 }
 
 TEST(RegistryFile, KeepsCommentsWhereTheyStood) {

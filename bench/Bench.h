@@ -1,0 +1,31 @@
+// What every benchmark program shares: a home of its own, and Google Benchmark as the runner and printer of paired
+// measurements.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "bench/PairedRatio.h"
+
+namespace wncom::bench {
+
+// Registers a benchmark. Its body runs once, takes one paired measurement and reports it; what it throws fails the
+// program.
+void Register(const std::string& name, std::function<void(benchmark::State&)> body);
+
+// Shows a measurement as the counters of a benchmark.
+void Report(benchmark::State& state, const PairedResult& result);
+
+// A main: makes the home, runs what is registered and the command line selects, and removes the home. Returns the
+// exit code.
+int Run(int argc, char** argv);
+
+// Throws std::runtime_error with the text when a benchmark cannot go on.
+inline void Require(bool held, const std::string& what) {
+    if (!held) throw std::runtime_error(what);
+}
+
+}  // namespace wncom::bench
