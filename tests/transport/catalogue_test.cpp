@@ -102,6 +102,7 @@ struct CatalogueFailure {
     std::string thrown;
     std::vector<std::string> logged;
 };
+void PrintTo(const CatalogueFailure& failure, std::ostream* out) { *out << failure.name; }
 
 class CatalogueFailureTest : public TransportFixture, public testing::WithParamInterface<CatalogueFailure> {};
 

@@ -72,6 +72,7 @@ struct LookupStep {
     bool refusesFalse;  // S_FALSE fails the step too
     bool givesObject;
 };
+void PrintTo(const LookupStep& step, std::ostream* out) { *out << step.operation << ", " << step.occurrence; }
 
 constexpr LookupStep kSteps[] = {
     {"PortMap.create", 2, "create PortMap failed", false, true},
@@ -138,6 +139,7 @@ struct WalkFault {
     const char* entry;  // null when the status tells that there is none
     const char* message;
 };
+void PrintTo(const WalkFault& fault, std::ostream* out) { *out << fault.name; }
 
 class WalkTest : public PortMapTest, public testing::WithParamInterface<WalkFault> {};
 
