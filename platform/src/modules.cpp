@@ -73,10 +73,14 @@ HMODULE ModuleAt(const void* address, const char** path = nullptr) {
     return static_cast<HINSTANCE>(info.dli_fbase);
 }
 
+// The linker fills its record in under its own lock before it hands out any handle to it; the thread sanitizer does
+// not see that lock.
+__attribute__((no_sanitize("thread"), noinline)) const void* DynamicSection(const link_map& map) { return map.l_ld; }
+
 HMODULE ModuleOf(void* linkerHandle) {
     link_map* map = nullptr;
     if (dlinfo(linkerHandle, RTLD_DI_LINKMAP, &map) != 0) return nullptr;
-    return ModuleAt(map->l_ld);
+    return ModuleAt(DynamicSection(*map));
 }
 
 // The running program, whatever words it was started with.
