@@ -2,6 +2,8 @@
 
 #include <wchar.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <new>
 #include <string_view>
 
@@ -11,27 +13,49 @@
 namespace wncom {
 namespace {
 
-using View = std::basic_string_view<WCHAR>;
-constexpr std::size_t kNone = View::npos;
+constexpr std::size_t kNone = WideView::npos;
 
 constexpr WCHAR kWhiteSpace[] = OLESTR(" \t\r\n");
 constexpr WCHAR kQuotes[] = OLESTR("\"'");
 
 // Only the first character must match in case.
-bool MatchesAt(View text, std::size_t at, View word) {
+bool MatchesAt(WideView text, std::size_t at, WideView word) {
     return text[at] == word[0] && _wcsnicmp(text.data() + at, word.data(), word.size()) == 0;
 }
 
-std::size_t FindWord(View text, View word) {
-    for (std::size_t at = text.find(word[0]); at != kNone && at + word.size() <= text.size();
-         at = text.find(word[0], at + 1)) {
-        if (MatchesAt(text, at, word)) return at;
+constexpr std::size_t kBlock = 128;
+
+// Whether the word may begin in a block, judged by its first and its last character. The places are looked at without
+// an early end, so that compilers compare several in one instruction; the text reaches as far beyond the block as the
+// word does.
+bool MayBeginIn(const WCHAR* block, WideView word) {
+    constexpr std::uint16_t kCaseBit = 0x20;
+    const WCHAR* const ends = block + word.size() - 1;
+    const auto first = static_cast<std::uint16_t>(word.front());
+    const auto last = static_cast<std::uint16_t>(word.back() | kCaseBit);
+    std::uint16_t any = 0;
+    for (std::size_t i = 0; i != kBlock; ++i) {
+        const auto differs = static_cast<std::uint16_t>((block[i] ^ first) | ((ends[i] | kCaseBit) ^ last));
+        any = static_cast<std::uint16_t>(any | (differs == 0 ? 0xFFFF : 0));
+    }
+    return any != 0;
+}
+
+std::size_t FindWord(WideView text, WideView word) {
+    if (text.size() < word.size()) return kNone;
+    const std::size_t places = text.size() - word.size() + 1;
+    for (std::size_t at = 0; at != places;) {
+        const std::size_t end = at + std::min(kBlock, places - at);
+        if (end - at == kBlock && !MayBeginIn(text.data() + at, word)) at = end;
+        for (; at != end; ++at) {
+            if (MatchesAt(text, at, word)) return at;
+        }
     }
     return kNone;
 }
 
 // The attribute's place before the end of the tag that begins or goes on at the cursor.
-std::size_t FindAttribute(View text, std::size_t cursor, View attribute) {
+std::size_t FindAttribute(WideView text, std::size_t cursor, WideView attribute) {
     for (std::size_t at = cursor; at + attribute.size() <= text.size(); ++at) {
         if (text[at] == OLESTR('>')) return kNone;
         if (MatchesAt(text, at, attribute)) return at;
@@ -39,7 +63,7 @@ std::size_t FindAttribute(View text, std::size_t cursor, View attribute) {
     return kNone;
 }
 
-std::size_t SkipWhiteSpace(View text, std::size_t at) {
+std::size_t SkipWhiteSpace(WideView text, std::size_t at) {
     at = text.find_first_not_of(kWhiteSpace, at);
     return at == kNone ? text.size() : at;
 }
@@ -52,7 +76,7 @@ struct QuotedValue {
     bool complete = false;
 };
 
-QuotedValue FindQuotedValue(View text, std::size_t attribute) {
+QuotedValue FindQuotedValue(WideView text, std::size_t attribute) {
     const std::size_t quote = text.find_first_of(kQuotes, attribute + 1);
     Log(3, "  ParseSubmitResponse %s beginning quote (%C)\n", quote != kNone ? "found" : "missed",
         quote != kNone ? text[quote] : WCHAR());
@@ -64,17 +88,17 @@ QuotedValue FindQuotedValue(View text, std::size_t attribute) {
 }
 
 // The text between the next ">" and the "<" after it, without leading white space; empty when either is missing.
-View FindElementValue(View text, std::size_t from) {
+WideView FindElementValue(WideView text, std::size_t from) {
     Log(3, "  looking for value\n");
     const std::size_t tagEnd = from == kNone ? kNone : text.find(OLESTR('>'), from);
     Log(3, "  ParseSubmitResponse %s '>'\n", tagEnd != kNone ? "found" : "missed");
     if (tagEnd == kNone) return {};
     const std::size_t start = SkipWhiteSpace(text, tagEnd + 1);
     const std::size_t end = text.find(OLESTR('<'), start);
-    return end == kNone ? View() : text.substr(start, end - start);
+    return end == kNone ? WideView() : text.substr(start, end - start);
 }
 
-View FindValue(View text, View keyword, View attribute) {
+WideView FindValue(WideView text, WideView keyword, WideView attribute) {
     std::size_t cursor = 0;
     std::size_t valueStart = kNone;
     if (const std::size_t at = FindWord(text, keyword); at != kNone) {
@@ -99,14 +123,14 @@ View FindValue(View text, View keyword, View attribute) {
 
 }  // namespace
 
-Bstr ParseSubmitResponse(const WCHAR* response, const WCHAR* keyword, const WCHAR* attribute) {
-    if (!response) {
+Bstr ParseSubmitResponse(WideView response, const WCHAR* keyword, const WCHAR* attribute) {
+    if (!response.data()) {
         Log(3, "CWendrel::ParseSubmitResponse Parameter \"Resp\" is NULL!");
         return Bstr();
     }
     if (!attribute) attribute = OLESTR("");
     Log(3, "  ParseSubmitResponse looking... '%S' (%S)", keyword, attribute);
-    const View value = FindValue(response, keyword, attribute);
+    const WideView value = FindValue(response, keyword, attribute);
     if (value.empty()) {
         Log(1, "  ParseSubmitResponse did not find URI\n");
         return Bstr();
@@ -117,7 +141,7 @@ Bstr ParseSubmitResponse(const WCHAR* response, const WCHAR* keyword, const WCHA
     return address;
 }
 
-DataAddress ParseSubmitResponse4URI(const WCHAR* response) {
+DataAddress ParseSubmitResponse4URI(WideView response) {
     const TraceScope trace("CWendrel::ParseSubmitResponse4URI", "Wendrel", __LINE__);
     DataAddress found;
     found.address = ParseSubmitResponse(response, OLESTR("PostURI"), nullptr);
@@ -138,7 +162,7 @@ DataAddress ParseSubmitResponse4URI(const WCHAR* response) {
     return found;
 }
 
-Bstr ParseSubmitResponse4JobURI(const WCHAR* response) {
+Bstr ParseSubmitResponse4JobURI(WideView response) {
     const TraceScope trace("CWendrel::ParseSubmitResponse4JobURI", "Wendrel", __LINE__);
     return ParseSubmitResponse(response, OLESTR("JobUri"), nullptr);
 }

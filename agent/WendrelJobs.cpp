@@ -1,4 +1,6 @@
 // The agent's job traffic.
+#include <wchar.h>
+
 #include "agent/CopyOut.h"
 #include "agent/SubmitResponse.h"
 #include "agent/Wendrel.h"
@@ -46,11 +48,12 @@ HRESULT CWendrel::Submit(BSTR intentTicket, BSTR* responseTicket) {
         if (const HRESULT status = CopyOut(response.get(), responseTicket); FAILED(status)) return status;
     }
 
-    const DataAddress data = ParseSubmitResponse4URI(response.get());
+    const WideView answer(response.get(), wcslen(response.get()));
+    const DataAddress data = ParseSubmitResponse4URI(answer);
     const HRESULT status =
         m_transportDesc->SetTargetURI(data.address.get(), 0, data.addressType, data.deliveryMethod);
     if (FAILED(status)) return status;
-    return m_transportDesc->SetJobURI(ParseSubmitResponse4JobURI(response.get()).get());
+    return m_transportDesc->SetJobURI(ParseSubmitResponse4JobURI(answer).get());
 }
 
 HRESULT CWendrel::CancelJobWithMessage(BSTR, BSTR) {

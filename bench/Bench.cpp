@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <utility>
@@ -67,13 +68,17 @@ void Register(const std::string& name, std::function<void(benchmark::State&)> bo
         ->Unit(benchmark::kMillisecond);
 }
 
-void Report(benchmark::State& state, const PairedResult& result) {
+void Report(benchmark::State& state, const PairedResult& result, std::optional<double> aim) {
     // Shown in the order of their names.
     state.counters["ours ns"] = result.ours;
     state.counters["peer ns"] = result.peers;
     state.counters["times"] = result.ratio;
     state.counters["times 25%"] = result.low;
     state.counters["times 75%"] = result.high;
+    if (!aim) return;
+    char label[64];
+    std::snprintf(label, sizeof(label), "aim %g, %s", *aim, result.ratio >= *aim ? "met" : "missed");
+    state.SetLabel(label);
 }
 
 int Run(int argc, char** argv) {

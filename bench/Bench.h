@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -16,8 +17,9 @@ namespace wncom::bench {
 // program.
 void Register(const std::string& name, std::function<void(benchmark::State&)> body);
 
-// Shows a measurement as the counters of a benchmark.
-void Report(benchmark::State& state, const PairedResult& result);
+// Shows a measurement as the counters of a benchmark, and whether ours was as many times as fast as it is meant to
+// be.
+void Report(benchmark::State& state, const PairedResult& result, std::optional<double> aim = std::nullopt);
 
 // A main: makes the home, runs what is registered and the command line selects, and removes the home. Returns the
 // exit code.

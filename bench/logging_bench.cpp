@@ -102,7 +102,7 @@ void SharedLine(benchmark::State& state) {
         });
     CheckLines(ours, (kPairs + 1) * kProcesses * kLines);
     CheckLines(peers, (kPairs + 1) * kProcesses * kLines);
-    Report(state, result);
+    Report(state, result, 1);
 }
 
 void WrittenLine(benchmark::State& state) {
@@ -121,31 +121,33 @@ void WrittenLine(benchmark::State& state) {
     CloseLogging();
     CheckLines(ours, (kPairs + 1) * kLines);
     CheckLines(peers, (kPairs + 1) * kLines);
-    Report(state, result);
+    Report(state, result, 1.3);
 }
 
 // Four lines a turn, so that the loop itself hardly counts.
 void DisabledLine(benchmark::State& state) {
     OpenOurs(test::HomePath() + "/ours-disabled.log");
     const auto logger = OpenPeers(test::HomePath() + "/peers-disabled.log");
-    Report(state, ComparePairs(
-                      kPairs, kDisabledLines,
-                      [] {
-                          for (std::size_t line = 0; line != kDisabledLines; line += 4) {
-                              WNCOM_LOG(4, "line %u of %s", line, "many");
-                              WNCOM_LOG(4, "line %u of %s", line + 1, "many");
-                              WNCOM_LOG(4, "line %u of %s", line + 2, "many");
-                              WNCOM_LOG(4, "line %u of %s", line + 3, "many");
-                          }
-                      },
-                      [&] {
-                          for (std::size_t line = 0; line != kDisabledLines; line += 4) {
-                              logger->debug("line {} of {}", line, "many");
-                              logger->debug("line {} of {}", line + 1, "many");
-                              logger->debug("line {} of {}", line + 2, "many");
-                              logger->debug("line {} of {}", line + 3, "many");
-                          }
-                      }));
+    Report(state,
+           ComparePairs(
+               kPairs, kDisabledLines,
+               [] {
+                   for (std::size_t line = 0; line != kDisabledLines; line += 4) {
+                       WNCOM_LOG(4, "line %u of %s", line, "many");
+                       WNCOM_LOG(4, "line %u of %s", line + 1, "many");
+                       WNCOM_LOG(4, "line %u of %s", line + 2, "many");
+                       WNCOM_LOG(4, "line %u of %s", line + 3, "many");
+                   }
+               },
+               [&] {
+                   for (std::size_t line = 0; line != kDisabledLines; line += 4) {
+                       logger->debug("line {} of {}", line, "many");
+                       logger->debug("line {} of {}", line + 1, "many");
+                       logger->debug("line {} of {}", line + 2, "many");
+                       logger->debug("line {} of {}", line + 3, "many");
+                   }
+               }),
+           10);
     CloseLogging();
 }
 

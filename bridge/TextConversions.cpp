@@ -1,22 +1,16 @@
 #include "bridge/TextConversions.h"
 
-#include <algorithm>
+#include <wchar.h>
+
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <string>
 
+#include "bridge/Utf8Blocks.h"
 #include "wncom/Logging.h"
 
 namespace wncom {
 namespace {
-
-constexpr std::ptrdiff_t kLongestSequence = 3;
-
-template <class Char>
-MallocText<Char> ZeroedText(std::size_t units) noexcept {
-    return MallocText<Char>(static_cast<Char*>(std::calloc(units, sizeof(Char))));
-}
 
 // Returns the sequence's length.
 std::ptrdiff_t Encode(WCHAR unit, char (&sequence)[kLongestSequence]) noexcept {
@@ -36,42 +30,16 @@ std::ptrdiff_t Encode(WCHAR unit, char (&sequence)[kLongestSequence]) noexcept {
     return 3;
 }
 
-// Copies ASCII characters up to the first other one and returns their number.
-std::ptrdiff_t CopyAscii(const WCHAR* units, std::ptrdiff_t count, char* bytes) noexcept {
-    constexpr std::ptrdiff_t kBlock = 16;
-    std::ptrdiff_t copied = 0;
-    const auto isAscii = [&](std::ptrdiff_t length) {
-        unsigned all = 0;
-        for (std::ptrdiff_t i = 0; i != length; ++i) all |= static_cast<std::uint16_t>(units[copied + i]);
-        return all < 0x80;
-    };
-    const auto copy = [&](std::ptrdiff_t length) {
-        for (std::ptrdiff_t i = 0; i != length; ++i) bytes[copied + i] = static_cast<char>(units[copied + i]);
-        copied += length;
-    };
-    while (count - copied >= kBlock && isAscii(kBlock)) copy(kBlock);
-    while (copied != count && isAscii(1)) copy(1);
-    return copied;
-}
-
 bool Continues(std::uint32_t byte) noexcept { return (byte & 0xC0) == 0x80; }
 
 }  // namespace
 
 int u16_utf8(const WCHAR* units, std::ptrdiff_t count, char* bytes, std::ptrdiff_t capacity,
              std::ptrdiff_t* written) noexcept {
-    *written = 0;
-    std::ptrdiff_t read = 0;
+    std::ptrdiff_t read = EncodeBlocks(units, count, bytes, capacity, written);
     std::ptrdiff_t lacking = 0;
+    capacity -= *written;
     while (read < count && capacity > 0) {
-        // Nearly all text is ASCII.
-        if (static_cast<std::uint16_t>(units[read]) < 0x80) {
-            const std::ptrdiff_t run = CopyAscii(units + read, std::min(count - read, capacity), bytes + *written);
-            read += run;
-            *written += run;
-            capacity -= run;
-            continue;
-        }
         char sequence[kLongestSequence];
         const std::ptrdiff_t length = Encode(units[read++], sequence);
         if (length > capacity) {
@@ -87,14 +55,15 @@ int u16_utf8(const WCHAR* units, std::ptrdiff_t count, char* bytes, std::ptrdiff
 
 MallocText<char> WCharToUtf8(const WCHAR* text) noexcept {
     if (!text) return nullptr;
-    const std::size_t units = std::char_traits<WCHAR>::length(text);
+    const std::size_t units = wcslen(text);
     if (units > (PTRDIFF_MAX - 1) / kLongestSequence) return nullptr;
-    const std::size_t capacity = units * kLongestSequence;
-    MallocText<char> encoded = ZeroedText<char>(capacity + 1);
+    const std::size_t capacity = units * kLongestSequence + 1;
+    MallocText<char> encoded(static_cast<char*>(std::malloc(capacity)));
     if (!encoded) return nullptr;
     std::ptrdiff_t written = 0;
     u16_utf8(text, static_cast<std::ptrdiff_t>(units), encoded.get(), static_cast<std::ptrdiff_t>(capacity),
              &written);
+    encoded[static_cast<std::size_t>(written)] = '\0';
     return encoded;
 }
 
@@ -151,7 +120,7 @@ int utf8_u16(const char* bytes, std::ptrdiff_t count, std::ptrdiff_t* consumed, 
 MallocText<WCHAR> Utf8ToWChar(const char* text) noexcept {
     if (!text) return nullptr;
     const std::size_t bytes = std::strlen(text);
-    MallocText<WCHAR> decoded = ZeroedText<WCHAR>(bytes + 1);
+    MallocText<WCHAR> decoded(static_cast<WCHAR*>(std::calloc(bytes + 1, sizeof(WCHAR))));
     if (!decoded) return nullptr;
     const auto count = static_cast<std::ptrdiff_t>(bytes);
     std::ptrdiff_t consumed = 0;
@@ -169,10 +138,10 @@ CString CharToCString(const char* text) {
 MallocText<WCHAR> CStringToWChar(const CString& value) noexcept {
     if (value.length() > INT_MAX) return nullptr;
     const int bytes = static_cast<int>(value.length());
-    const int units = bytes > 0 ? MultiByteToWideChar(CP_ACP, 0, value.c_str(), bytes, nullptr, 0) : 0;
-    MallocText<WCHAR> wide(static_cast<WCHAR*>(std::malloc((static_cast<std::size_t>(units) + 1) * sizeof(WCHAR))));
+    // A narrow code page has no character of more UTF-16 units than bytes.
+    MallocText<WCHAR> wide(static_cast<WCHAR*>(std::malloc((value.length() + 1) * sizeof(WCHAR))));
     if (!wide) return nullptr;
-    if (units > 0) MultiByteToWideChar(CP_ACP, 0, value.c_str(), bytes, wide.get(), units);
+    const int units = bytes > 0 ? MultiByteToWideChar(CP_ACP, 0, value.c_str(), bytes, wide.get(), bytes) : 0;
     wide[static_cast<std::size_t>(units)] = 0;
     return wide;
 }

@@ -13,8 +13,9 @@
 namespace wncom {
 
 // Encodes count units into at most capacity bytes, without a terminator. Each unit is encoded by itself: the halves
-// of a surrogate pair become two three-byte sequences. A sequence that does not fit whole is not written. Returns 4
-// when units remain unread, else the number of bytes that the last sequence lacked, else 0.
+// of a surrogate pair become two three-byte sequences. A sequence that does not fit whole is not written; what the
+// room holds after the written bytes is undefined. Returns 4 when units remain unread, else the number of bytes that
+// the last sequence lacked, else 0.
 int u16_utf8(const WCHAR* units, std::ptrdiff_t count, char* bytes, std::ptrdiff_t capacity,
              std::ptrdiff_t* written) noexcept;
 

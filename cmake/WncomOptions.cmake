@@ -19,10 +19,16 @@ if(NOT WIN32)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # A unique symbol would pin its module in the process for good.
         target_compile_options(wncom_options INTERFACE -fno-gnu-unique -Wsuggest-override)
-        # At its highest optimisation gcc 12 sees copies onto themselves in any sum of texts.
-        target_compile_options(wncom_options INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
     endif()
     target_link_options(wncom_options INTERFACE -Wl,--no-undefined)
+else()
+    # Windows' own prototypes cast functions to and from FARPROC.
+    target_compile_options(wncom_options INTERFACE -Wno-cast-function-type)
+    target_link_options(wncom_options INTERFACE -static-libstdc++ -shared-libgcc)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # At its highest optimisation gcc 12 sees copies onto themselves in any sum of texts.
+    target_compile_options(wncom_options INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
 endif()
 if(WNCOM_SANITIZE)
     target_compile_options(

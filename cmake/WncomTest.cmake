@@ -1,13 +1,19 @@
 # wncom_add_test(NAME [LABELS label...] [LIBRARIES target...] [DEPENDS target...] SOURCES file...)
 #
-# A test program of GoogleTest cases; each case is a CTest test of its own, in a process and a home of its own.
+# A test program of GoogleTest cases; each case is a CTest test of its own, in a process and a home of its own. Sources
+# named *_linux_test.cpp show what only the layer has, and are left out for Windows; so is a program without others.
 # DEPENDS names modules that the tests load by path; they find them beside the program.
-find_package(GTest REQUIRED)
 include(GoogleTest)
 
+if(WIN32)
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/scripts/wine-run)
+    set(host_sources ${CMAKE_SOURCE_DIR}/tests/support/HostWindows.cpp)
+else()
+    set(host_sources ${CMAKE_SOURCE_DIR}/tests/support/DeviceProcess.cpp ${CMAKE_SOURCE_DIR}/tests/support/HostLayer.cpp)
+endif()
 add_library(
     wncom_test_support STATIC
-    ${CMAKE_SOURCE_DIR}/tests/support/DeviceProcess.cpp
+    ${host_sources}
     ${CMAKE_SOURCE_DIR}/tests/support/Com.cpp
     ${CMAKE_SOURCE_DIR}/tests/support/LogCapture.cpp # linked only where it is used, for it needs the logger
     ${CMAKE_SOURCE_DIR}/tests/support/main.cpp
@@ -20,6 +26,12 @@ add_custom_target(threads_tests)
 
 function(wncom_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LABELS;LIBRARIES;DEPENDS;SOURCES")
+    if(WIN32)
+        list(FILTER arg_SOURCES EXCLUDE REGEX "_linux_test\\.cpp$")
+        if(NOT arg_SOURCES MATCHES "_test\\.cpp")
+            return()
+        endif()
+    endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE wncom_options wncom_test_support ${arg_LIBRARIES})
     if(arg_DEPENDS)

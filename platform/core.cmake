@@ -29,4 +29,5 @@ target_sources(
             src/registry_output.cpp
             src/registry_store.cpp
             src/utf8.cpp
+            src/utf8_runs.cpp
 )

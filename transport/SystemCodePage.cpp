@@ -27,7 +27,7 @@ Bstr WidenFromSystemCodePage(std::string_view text) {
 }
 
 CString NarrowToSystemCodePage(const WCHAR* text) {
-    const int units = text ? Count(std::char_traits<WCHAR>::length(text)) : 0;
+    const int units = text ? Count(wcslen(text)) : 0;
     if (units == 0) return {};
     const int bytes = WideCharToMultiByte(CP_ACP, 0, text, units, nullptr, 0, nullptr, nullptr);
     std::string narrow(static_cast<std::size_t>(bytes), '\0');

@@ -2,9 +2,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <string>
 
 #include "oleauto.h"
+#include "winnls.h"
 #include "wnplatform/inspect.h"
 
 namespace {
@@ -51,7 +51,7 @@ long LiveTexts() noexcept { return g_live.load(std::memory_order_relaxed); }
 }  // namespace wnplatform
 
 BSTR SysAllocString(const OLECHAR* text) {
-    return text ? Copy(text, std::char_traits<OLECHAR>::length(text) * sizeof(OLECHAR)) : nullptr;
+    return text ? Copy(text, wcslen(text) * sizeof(OLECHAR)) : nullptr;
 }
 
 BSTR SysAllocStringLen(const OLECHAR* text, UINT units) { return Copy(text, std::size_t{units} * sizeof(OLECHAR)); }

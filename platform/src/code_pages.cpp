@@ -9,6 +9,7 @@
 #include "registry.h"
 #include "texts.h"
 #include "utf8.h"
+#include "utf8_runs.h"
 #include "winnls.h"
 
 namespace wnplatform {
@@ -41,22 +42,31 @@ public:
         if (m_used < m_capacity) m_place[m_used] = unit;
         ++m_used;
     }
-    // Puts the ASCII characters at the start of a source and returns where they end. They are looked at in blocks,
-    // because nearly all text is nothing else.
-    template <class SourceUnit>
-    const SourceUnit* PutAscii(const SourceUnit* const begin, const SourceUnit* const end) noexcept {
-        constexpr std::ptrdiff_t block = 16;
+    // Puts the units at the start of a source that are the same in the destination, and returns where they end. They
+    // are looked at in blocks, because nearly all text is nothing else.
+    template <class SourceUnit, class IsSame>
+    const SourceUnit* PutRun(const SourceUnit* const begin, const SourceUnit* const end, IsSame isSame) noexcept {
+        constexpr std::ptrdiff_t block = 32;
         const SourceUnit* run = begin;
-        while (end - run >= block && IsAsciiBlock(run, block)) run += block;
-        while (run != end && IsAsciiBlock(run, 1)) ++run;
+        while (end - run >= block && AllOfBlock<block>(run, isSame)) run += block;
+        while (run != end && isSame(*run)) ++run;
         const auto length = static_cast<std::size_t>(run - begin);
         if (m_used < m_capacity) {
             const auto* const last = begin + std::min(length, m_capacity - m_used);
-            std::transform(begin, last, m_place + m_used, [](SourceUnit unit) { return static_cast<Unit>(unit); });
+            std::transform(begin, last, m_place + m_used,
+                           [](SourceUnit unit) { return static_cast<Unit>(std::make_unsigned_t<SourceUnit>(unit)); });
         }
         m_used += length;
         return run;
     }
+    template <class SourceUnit>
+    const SourceUnit* PutAscii(const SourceUnit* const begin, const SourceUnit* const end) noexcept {
+        return PutRun(begin, end, [](SourceUnit unit) { return std::make_unsigned_t<SourceUnit>(unit) < 0x80; });
+    }
+    // The place for the next unit when there is room for so many units in all, else null; Skip counts what was put
+    // there.
+    Unit* Room(std::size_t units) const noexcept { return units <= m_capacity ? m_place + m_used : nullptr; }
+    void Skip(std::size_t units) noexcept { m_used += units; }
     // The function's answer. A capacity of 0 only asks for the size.
     int Result() const noexcept {
         if (m_used > static_cast<std::size_t>(std::numeric_limits<int>::max())) return Fail(ERROR_INVALID_PARAMETER);
@@ -65,11 +75,13 @@ public:
     }
 
 private:
-    template <class SourceUnit>
-    static bool IsAsciiBlock(const SourceUnit* at, std::ptrdiff_t count) noexcept {
-        unsigned all = 0;
-        for (std::ptrdiff_t i = 0; i < count; ++i) all |= static_cast<std::make_unsigned_t<SourceUnit>>(at[i]);
-        return all < 0x80;
+    // Without an early end, so that the units are looked at side by side.
+    template <std::ptrdiff_t Count, class SourceUnit, class IsSame>
+    static bool AllOfBlock(const SourceUnit* at, IsSame isSame) noexcept {
+        unsigned char others = 0;
+        for (std::ptrdiff_t i = 0; i < Count; ++i)
+            others = static_cast<unsigned char>(others | (isSame(at[i]) ? 0 : 1));
+        return others == 0;
     }
 
     Unit* m_place;
@@ -89,7 +101,13 @@ void PutUtf16(Output<WCHAR>& output, char32_t codePoint) {
 int WidenUtf8(std::string_view source, bool strict, Output<WCHAR> output) {
     const char* at = source.data();
     const char* const end = at + source.size();
-    while ((at = output.PutAscii(at, end)) != end) {
+    for (;;) {
+        if (WCHAR* const place = output.Room(source.size())) {
+            const Utf8Run run = WidenUtf8Run(at, end, place);
+            at += run.bytes;
+            output.Skip(run.units);
+        }
+        if ((at = output.PutAscii(at, end)) == end) break;
         const Utf8Character character = DecodeUtf8(at, end);
         if (!character.valid && strict) return Fail(ERROR_NO_UNICODE_TRANSLATION);
         PutUtf16(output, character.codePoint);
@@ -101,7 +119,10 @@ int WidenUtf8(std::string_view source, bool strict, Output<WCHAR> output) {
 int WidenWestern(std::string_view source, Output<WCHAR> output) {
     const char* at = source.data();
     const char* const end = at + source.size();
-    while ((at = output.PutAscii(at, end)) != end) output.Put(WideFrom1252(static_cast<unsigned char>(*at++)));
+    const auto isItsOwnNumber = [](char byte) { return (static_cast<unsigned char>(byte) & 0xE0) != 0x80; };
+    while ((at = output.PutRun(at, end, isItsOwnNumber)) != end) {
+        output.Put(WideFrom1252(static_cast<unsigned char>(*at++)));
+    }
     return output.Result();
 }
 

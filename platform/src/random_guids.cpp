@@ -1,9 +1,12 @@
 #include <pthread.h>
 #include <sys/random.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <random>
 
 #include "objbase.h"
 
@@ -13,49 +16,51 @@ namespace {
 std::atomic<unsigned> g_forks{0};
 [[maybe_unused]] const int g_watched = pthread_atfork(nullptr, nullptr, [] { g_forks.fetch_add(1); });
 
-// The kernel's own random bytes, fetched for many identifiers at a time: their quality is the kernel's, and one
-// identifier costs a small part of a system call.
-struct RandomBytes {
-    unsigned char bytes[1024];
-    std::size_t left = 0;
-    unsigned forks = 0;
+// A generator of the thread's own, begun with 256 of the kernel's random bits: identifiers are made with every traced
+// call and have to be unlike each other, not secret, and bytes of the kernel cost ten times as much.
+class RandomNumbers {
+public:
+    using Pair = std::array<std::uint64_t, 2>;
 
-    bool Take(void* destination, std::size_t count) {
+    bool Take(Pair& numbers) {
         const unsigned now = g_forks.load(std::memory_order_relaxed);
-        if (left < count || forks != now) {
-            if (!Fill()) return false;
-            forks = now;
-        }
-        left -= count;
-        std::memcpy(destination, bytes + left, count);
+        if ((!m_seeded || m_forks != now) && !Seed(now)) return false;
+        for (std::uint64_t& number : numbers) number = m_engine();
         return true;
     }
 
-    bool Fill() {
-        std::size_t filled = 0;
-        while (filled < sizeof bytes) {
-            const ssize_t got = getrandom(bytes + filled, sizeof bytes - filled, 0);
-            if (got > 0) {
-                filled += static_cast<std::size_t>(got);
-            } else if (errno != EINTR) {
-                return false;
-            }
+private:
+    bool Seed(unsigned forks) {
+        std::array<std::uint32_t, 8> seed;
+        // So few bytes come whole or not at all.
+        while (getrandom(seed.data(), sizeof seed, 0) != static_cast<ssize_t>(sizeof seed)) {
+            if (errno != EINTR) return false;
         }
-        left = sizeof bytes;
+        std::seed_seq sequence(seed.begin(), seed.end());
+        m_engine.seed(sequence);
+        m_forks = forks;
+        m_seeded = true;
         return true;
     }
+
+    std::mt19937_64 m_engine;
+    unsigned m_forks = 0;
+    bool m_seeded = false;
 };
 
-thread_local RandomBytes t_random;
+thread_local RandomNumbers t_numbers;
 
 }  // namespace
 
 HRESULT CoCreateGuid(GUID* guid) {
     if (!guid) return E_INVALIDARG;
-    if (!t_random.Take(guid, sizeof *guid)) {
+    RandomNumbers::Pair numbers;
+    static_assert(sizeof numbers == sizeof *guid);
+    if (!t_numbers.Take(numbers)) {
         *guid = GUID_NULL;
         return E_FAIL;
     }
+    std::memcpy(guid, numbers.data(), sizeof *guid);
     guid->Data3 = static_cast<std::uint16_t>((guid->Data3 & 0x0FFF) | 0x4000);
     guid->Data4[0] = static_cast<std::uint8_t>((guid->Data4[0] & 0x3F) | 0x80);
     return S_OK;

@@ -32,7 +32,9 @@ Utf8Character DecodeUtf8(const char* at, const char* end) noexcept {
 
     const auto available = static_cast<std::size_t>(end - at);
     for (std::size_t i = 1; i <= trailing; ++i) {
-        if (i >= available || byte(i) < low || byte(i) > high) return {kReplacementCharacter, i, false};
+        if (i >= available || byte(i) < 0x80 || byte(i) > 0xBF) return {kReplacementCharacter, i, false};
+        // Windows counts the trailing byte that rules the lead out as a part of the same run.
+        if (byte(i) < low || byte(i) > high) return {kReplacementCharacter, i + 1, false};
         codePoint = (codePoint << 6) | (byte(i) & 0x3FU);
         low = 0x80;
         high = 0xBF;

@@ -9,7 +9,7 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 struct Utf8Character {
     char32_t codePoint;  // U+FFFD where the bytes are not valid
-    std::size_t length;  // bytes taken, at least 1; of an invalid run the longest that could have begun a character
+    std::size_t length;  // bytes taken, at least 1; of an invalid run the lead with the trailing bytes read so far
     bool valid;
 };
 

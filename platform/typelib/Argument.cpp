@@ -19,11 +19,6 @@ unsigned ReferenceDepth(const Type& type) noexcept { return type.pointers - (typ
 
 bool IsIn(const Parameter& parameter) noexcept { return (parameter.flags & PARAMFLAG_FIN) != 0; }
 
-// A pointer that says nothing about its direction is there to be written through.
-bool IsOut(const Parameter& parameter) noexcept {
-    return (parameter.flags & PARAMFLAG_FOUT) != 0 || parameter.flags == PARAMFLAG_NONE;
-}
-
 // A method writes texts as BSTRs, never as plain terminated ones that have no agreed owner.
 bool CanPass(const Type& type) noexcept {
     return type.vt != VT_VOID && ReferenceDepth(type) <= (type.vt == VT_LPWSTR ? 0U : 1U);
@@ -51,21 +46,17 @@ HRESULT Argument::PrepareResult(const Parameter& parameter) noexcept {
 }
 
 HRESULT Argument::PrepareByReference(const Parameter& parameter, VARTYPE type, VARIANT& given) noexcept {
-    const bool variantReference = given.vt == (VT_VARIANT | VT_BYREF);
-    if (given.vt == (type | VT_BYREF)) {
-        // The caller's own variable, whatever it holds.
-        if (!given.byref) return DISP_E_TYPEMISMATCH;
+    if ((given.vt & VT_BYREF) != 0) {
+        // The caller's own variable, whatever it holds. A script's variables are variants, and no others.
+        if (given.vt != (type | VT_BYREF) || !given.byref) return DISP_E_TYPEMISMATCH;
         m_word = AsWord(given.byref);
         return S_OK;
     }
-    if ((given.vt & VT_BYREF) != 0 && !variantReference) return DISP_E_TYPEMISMATCH;
-    if (variantReference && !given.pvarVal) return DISP_E_TYPEMISMATCH;
     if (IsIn(parameter)) {
         const HRESULT hr = Convert(parameter.type, type, given);
         if (FAILED(hr)) return hr;
     }
     // What a method writes for an argument that was given by value has no taker.
-    if (variantReference && IsOut(parameter)) m_handBack = given.pvarVal;
     PassPlace(type);
     return S_OK;
 }
@@ -114,10 +105,6 @@ void Argument::PassValue() noexcept {
             m_word = AsWord(m_value.byref);
             break;
     }
-}
-
-void Argument::HandBack() noexcept {
-    if (m_handBack) MoveTo(*m_handBack);
 }
 
 void Argument::MoveTo(VARIANT& destination) noexcept {

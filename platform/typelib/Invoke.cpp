@@ -95,13 +95,9 @@ HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& par
     }
 
     hr = CallSlot(instance, method.slot, words);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!IsResult(method.parameters[i])) {
-            // Methods explain a failure in their out parameters, so these are handed back after one too.
-            arguments[i].HandBack();
-        } else if (result && SUCCEEDED(hr)) {
-            arguments[i].MoveTo(*result);
-        }
+    // A result is the last parameter.
+    if (result && SUCCEEDED(hr) && count > 0 && IsResult(method.parameters.back())) {
+        arguments[count - 1].MoveTo(*result);
     }
     return hr;
 }

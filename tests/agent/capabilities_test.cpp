@@ -1,9 +1,5 @@
 // The capabilities ticket: from the cache, or through a session from the service.
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include "tests/agent/AgentFixture.h"
-#include "wncom/XMLCacheMgr.h"
+#include "tests/agent/CapabilitiesFixture.h"
 
 namespace wncom::test {
 namespace {
@@ -12,41 +8,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
-
-constexpr const char* kTicketOfService = "FakeTransport.GetWorkflowCapabilities";
-constexpr const char* kCachedTicket = "XMLCacheMgr.FetchXML device-7-capTicket";
-
-class CapabilitiesTest : public AgentFixture {
-protected:
-    CapabilitiesTest() : m_agent(Agent()) { Begin(); }
-
-    void Begin() {
-        Prepare();
-        Script().Answer(kTicketOfService, "<caps/>");
-    }
-    // The ticket, or the status in hex; on a failure nothing may have been stored.
-    std::string Ask() {
-        OutText ticket;
-        const HRESULT status = m_agent->GetCapabilitiesTicket(ticket.put());
-        if (status == S_OK) return ticket.Shown();
-        EXPECT_EQ(ticket.Shown(), "(untouched)");
-        return Hex(status);
-    }
-    static void SetLifetime(const char* text) {
-        ASSERT_TRUE(WritePrivateProfileStringA("Cache", "CapTicket", text, "qbos.ini"));
-    }
-    // Of the last PutXML, in seconds.
-    static std::string StoredLifetime() {
-        const std::vector<std::string> puts = Script().CallsOf("XMLCacheMgr.PutXML");
-        if (puts.empty()) return "none";
-        const std::string& put = puts.back();
-        const std::size_t end = put.rfind(", ");
-        const std::size_t start = put.rfind(", ", end - 1) + 2;
-        return put.substr(start, end - start);
-    }
-
-    CPComPtr<IWendrel> m_agent;
-};
 
 TEST_F(CapabilitiesTest, AFetchedTicketIsStored) {
     SetLifetime("3");
@@ -199,26 +160,6 @@ TEST_F(CapabilitiesTest, ANullPlaceIsRefused) {
     EXPECT_EQ(Hex(m_agent->GetCapabilitiesTicket(nullptr)), Hex(E_FAIL));
     EXPECT_THAT(Log(), ElementsAre("3 CWendrel::GetCapabilitiesTicket Parameter \"pTicket\" is NULL!"));
     EXPECT_THAT(Script().Calls(), IsEmpty());
-}
-
-// With the cache manager that is shipped in place of the fake one.
-class SharedCacheTest : public CapabilitiesTest {
-protected:
-    SharedCacheTest() {
-        SetRegistryValue("SOFTWARE\\Classes\\CLSID\\{599AAE1C-9214-4DFE-9959-F22B3F07719D}\\InprocServer32", nullptr,
-                         ProgramFolder() + "/wnComponents.dll");
-    }
-};
-
-TEST_F(SharedCacheTest, ATicketIsKeptForAllAgentsOfAllProcesses) {
-    const pid_t other = fork();
-    if (other == 0) _exit(Ask() == "<caps/>" ? 0 : 1);
-    int status = -1;
-    ASSERT_EQ(waitpid(other, &status, 0), other);
-    ASSERT_EQ(status, 0);
-    Script().Answer(kTicketOfService, "<other/>");
-    EXPECT_EQ(Ask(), "<caps/>");
-    EXPECT_THAT(Script().CallsOf("FakeTransport"), IsEmpty());
 }
 
 TEST_F(SharedCacheTest, AnExpiredTicketIsFetchedAnew) {

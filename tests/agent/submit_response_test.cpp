@@ -21,8 +21,7 @@ std::string Scanned(const Scan& scan) {
     const auto response = Wide(scan.response);
     const auto keyword = Wide(scan.keyword);
     const auto attribute = Wide(scan.attribute ? scan.attribute : "");
-    const Bstr value =
-        ParseSubmitResponse(response.c_str(), keyword.c_str(), scan.attribute ? attribute.c_str() : nullptr);
+    const Bstr value = ParseSubmitResponse(response, keyword.c_str(), scan.attribute ? attribute.c_str() : nullptr);
     return value ? Narrow(value.get()) : "(null)";
 }
 
@@ -70,9 +69,21 @@ TEST(SubmitResponse, FindsWhatTheKeywordOrTheAttributeIntroduces) {
     }
 }
 
+TEST(SubmitResponse, FindsTheKeywordWhereverItStands) {
+    // Beginnings, ends and false beginnings of the keyword before it.
+    for (const std::string filler : {"x", "J", "i", "JobUr", "JobXXi", "jobUri", "Jo <i>"}) {
+        std::string before;
+        while (before.size() < 300) {
+            before += filler;
+            EXPECT_EQ(Scanned({(before + "JobUri>v<").c_str(), "JobUri", nullptr, nullptr}), "v") << before;
+            EXPECT_EQ(Scanned({(before + "jobUri>v<").c_str(), "JobUri", nullptr, nullptr}), "(null)") << before;
+        }
+    }
+}
+
 TEST(SubmitResponse, ANullResponseGivesNothing) {
     const LogCapture log(3);
-    EXPECT_FALSE(ParseSubmitResponse(nullptr, OLESTR("PostURI"), nullptr));
+    EXPECT_FALSE(ParseSubmitResponse({}, OLESTR("PostURI"), nullptr));
     EXPECT_TRUE(ContainsInOrder(log.Lines(), {"3 CWendrel::ParseSubmitResponse Parameter \"Resp\" is NULL!"}));
 }
 
@@ -100,7 +111,7 @@ TEST(SubmitResponse, TheDataAddressTellsItsTypeAndMethod) {
     for (const Case& expected : {Case{"<R><JobUri>j</JobUri><PostURI>p1</PostURI></R>", "p1", 0, 1},
                                  Case{"<?x?><R><sinkURI>s1</sinkURI></R>", "s1", 0, 3},
                                  Case{"<?x?><R sinkURI='s1'/>", "s1", 0, 3}, Case{"<R/>", "", -1, -1}}) {
-        const DataAddress data = ParseSubmitResponse4URI(Wide(expected.response).c_str());
+        const DataAddress data = ParseSubmitResponse4URI(Wide(expected.response));
         EXPECT_EQ(Narrow(data.address.get()), expected.address) << expected.response;
         EXPECT_EQ(data.addressType, expected.type) << expected.response;
         EXPECT_EQ(data.deliveryMethod, expected.method) << expected.response;

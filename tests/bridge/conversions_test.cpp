@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
+#include <random>
 #include <string>
 
 #include "bridge/TextConversions.h"
@@ -50,6 +52,45 @@ TEST(EncodingTest, FindsACharacterThatIsNotAsciiWhereverItStands) {
         text[place] = u'\u00E9';
         const std::string expected = std::string(place, 'x') + "\xC3\xA9" + std::string(39 - place, 'x');
         EXPECT_EQ(expected, Encoded(text.c_str())) << place;
+    }
+}
+
+// The encoder as it is described, unit by unit.
+int EncodedPlainly(const WideString& text, std::ptrdiff_t capacity, std::string& bytes) {
+    bytes.clear();
+    for (std::size_t i = 0; i != text.size(); ++i) {
+        const auto left = capacity - static_cast<std::ptrdiff_t>(bytes.size());
+        if (left == 0) return 4;
+        const std::string sequence = Reference(static_cast<std::uint16_t>(text[i]));
+        const auto lacking = static_cast<std::ptrdiff_t>(sequence.size()) - left;
+        if (lacking > 0) return i + 1 == text.size() ? static_cast<int>(lacking) : 4;
+        bytes += sequence;
+    }
+    return 0;
+}
+
+TEST(EncodingTest, AgreesWithAPlainLoopForAnyMixAndAnyRoom) {
+    std::mt19937 numbers;
+    const unsigned limits[] = {0x80, 0x100, 0x800, 0x10000};
+    for (int round = 0; round < 3000; ++round) {
+        const unsigned usual = limits[numbers() % 4];
+        const unsigned other = limits[numbers() % 4];
+        WideString text(numbers() % 140, 0);
+        for (WCHAR& unit : text)
+            unit = static_cast<WCHAR>(1 + numbers() % ((numbers() % 8 != 0 ? usual : other) - 1));
+        const auto capacity = static_cast<std::ptrdiff_t>(numbers() % 500);
+        std::string expected;
+        const int status = EncodedPlainly(text, capacity, expected);
+        std::string bytes(600, '*');
+        std::ptrdiff_t written = -1;
+        ASSERT_EQ(status,
+                  u16_utf8(text.data(), static_cast<std::ptrdiff_t>(text.size()), bytes.data(), capacity, &written));
+        ASSERT_EQ(expected, bytes.substr(0, static_cast<std::size_t>(written)));
+        ASSERT_EQ(std::string(bytes.size() - static_cast<std::size_t>(capacity), '*'),
+                  bytes.substr(static_cast<std::size_t>(capacity)))
+            << "nothing is written beyond the room";
+        EncodedPlainly(text, PTRDIFF_MAX, expected);
+        ASSERT_EQ(expected, Encoded(text.c_str()));
     }
 }
 

@@ -1,4 +1,5 @@
 #include "tests/bridge/BridgeFixture.h"
+#include "tests/support/MatchesPattern.h"
 
 namespace wncom::test {
 namespace {
@@ -141,7 +142,7 @@ TEST_F(RoadTest, OperationsAreTraced) {
     const std::vector<std::string> lines = log.Lines();
     ASSERT_EQ(3u, lines.size());
     EXPECT_THAT(lines[0],
-                testing::MatchesRegex("5 ENTER OrbStuff::EndSession on line [0-9]+ in file .\\\\OrbStuff @.*@"));
+                MatchesPattern("5 ENTER OrbStuff::EndSession on line [0-9]+ in file .\\\\OrbStuff @.*@"));
     EXPECT_THAT(lines[2], testing::StartsWith("5 EXIT: OrbStuff::EndSession @{"));
 }
 

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "tests/bridge/BridgeFixture.h"
+#include "tests/support/Host.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::test {
@@ -92,7 +93,7 @@ TEST_F(TicketsTest, ExceptionsOfRemoteCallsAnswerNothing) {
 
 class CapTicketTest : public TicketsTest {
 protected:
-    ~CapTicketTest() override { unsetenv("WF_DESTINATION"); }
+    ~CapTicketTest() override { SetEnvironment("WF_DESTINATION", nullptr); }
 
     // The workflow id that the request carried.
     std::string SentFor(const WCHAR* workflowId) {
@@ -117,11 +118,11 @@ TEST_F(CapTicketTest, AsksForTheWorkflow) {
 }
 
 TEST_F(CapTicketTest, TakesTheWorkflowFromTheEnvironmentOnlyWhenNoneIsGiven) {
-    setenv("WF_DESTINATION", "abc", 1);
+    SetEnvironment("WF_DESTINATION", "abc");
     EXPECT_EQ("abc", SentFor(nullptr));
     EXPECT_EQ("abc", SentFor(OLESTR("")));
     EXPECT_EQ("\xC3\xA9<&%s", SentFor(OLESTR("\u00E9<&%s")));
-    unsetenv("WF_DESTINATION");
+    SetEnvironment("WF_DESTINATION", nullptr);
     EXPECT_EQ("", SentFor(nullptr));
     EXPECT_EQ(std::string(100000, 'w'), SentFor(std::basic_string<WCHAR>(100000, u'w').c_str()));
 }

@@ -1,6 +1,6 @@
 #include "tests/common/LogFixture.h"
 
-#include <cstdlib>
+#include "tests/support/Host.h"
 
 namespace wncom::test {
 
@@ -29,7 +29,7 @@ std::vector<std::string> SplitLines(const std::string& text) {
 }
 
 LogTest::LogTest() {
-    setenv("WNCOM_DEBUG_OUTPUT", m_debuggerFile.c_str(), 1);
+    CaptureDebugOutput(m_debuggerFile);
     WriteWholeFile(m_debuggerFile, "");
     WriteWholeFile(path, "");
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quillbeck");

@@ -1,11 +1,10 @@
 #include <gmock/gmock.h>
 
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "tests/common/SampleComponent.h"
+#include "tests/support/Host.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestHome.h"
 #include "wncom/CPComPtr.h"
@@ -37,15 +36,21 @@ bool IsRegistered() {
 }
 
 struct RegisterComponent : testing::Test {
-    ~RegisterComponent() override { unsetenv(kSampleBehaviour); }
+    ~RegisterComponent() override {
+        for (const char* name : {kSampleBehaviour, "WNCOM_SAMPLE_OUTPUT", "WNCOM_SAMPLE_SLEEP", "WNCOM_SAMPLE_UNTIL",
+                                 "WNCOM_SAMPLE_EXIT"}) {
+            SetEnvironment(name, nullptr);
+        }
+    }
 
     static std::vector<std::string> Messages(const LogCapture& log) { return log.Lines("CPWStringBuffer::"); }
 
-    // An executable of the home that runs those shell commands.
-    static std::string Script(const std::string& name, const std::string& commands) {
+    // A server of the home in a file of that name, set up with one variable of its environment.
+    static std::string Server(const std::string& name, const char* variable = nullptr,
+                              const std::string& value = "") {
         const std::string path = HomePath() + "/" + name;
-        WriteWholeFile(path, "#!/bin/sh\n" + commands + "\n");
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        std::filesystem::copy_file(ProgramFolder() + "/SampleServer.exe", path);
+        if (variable) SetEnvironment(variable, value.c_str());
         return path;
     }
 
@@ -109,7 +114,7 @@ TEST_F(RegisterComponent, ReportsALibraryWithoutRegistration) {
 }
 
 TEST_F(RegisterComponent, HandsARefusedRegistrationOn) {
-    setenv(kSampleBehaviour, "refuse registration", 1);
+    SetEnvironment(kSampleBehaviour, "refuse registration");
     const LogCapture log;
     EXPECT_EQ(Register(module), E_ACCESSDENIED);
     EXPECT_EQ(Messages(log).back(),
@@ -117,7 +122,7 @@ TEST_F(RegisterComponent, HandsARefusedRegistrationOn) {
 }
 
 TEST_F(RegisterComponent, SurvivesARegistrationThatThrows) {
-    setenv(kSampleBehaviour, "throw in registration", 1);
+    SetEnvironment(kSampleBehaviour, "throw in registration");
     const LogCapture log;
     EXPECT_EQ(Register(module), E_FAIL);
     EXPECT_EQ(Messages(log).back(),
@@ -126,30 +131,30 @@ TEST_F(RegisterComponent, SurvivesARegistrationThatThrows) {
 
 TEST_F(RegisterComponent, RunsAnExecutableWithTheSwitch) {
     const std::string output = HomePath() + "/arguments";
-    const std::string script = Script("Server.EXE", "echo \"$@\" > " + output);
-    EXPECT_EQ(Register(script), S_OK);
+    const std::string server = Server("Server.EXE", "WNCOM_SAMPLE_OUTPUT", output);
+    EXPECT_EQ(Register(server), S_OK);
     EXPECT_EQ(ReadWholeFile(output), "/regserver\n");
-    EXPECT_EQ(Register(script, false), S_OK);
+    EXPECT_EQ(Register(server, false), S_OK);
     EXPECT_EQ(ReadWholeFile(output), "/unregserver\n");
 }
 
 TEST_F(RegisterComponent, RunsAnExecutableWhosePathHasSpaces) {
     const std::string output = HomePath() + "/arguments";
-    EXPECT_EQ(Register(Script("a server of mine.exe", "echo \"$@\" > " + output)), S_OK);
+    EXPECT_EQ(Register(Server("a server of mine.exe", "WNCOM_SAMPLE_OUTPUT", output)), S_OK);
     EXPECT_EQ(ReadWholeFile(output), "/regserver\n");
 }
 
 TEST_F(RegisterComponent, WaitsForAnExecutableOverSeveralWaits) {
-    EXPECT_EQ(Register(Script("slow.exe", "sleep 0.7")), S_OK);
+    EXPECT_EQ(Register(Server("slow.exe", "WNCOM_SAMPLE_SLEEP", "700")), S_OK);
 }
 
 TEST_F(RegisterComponent, ReportsAnExecutablesFailureCode) {
-    const std::string script = Script("failing.exe", "exit 3");
+    const std::string server = Server("failing.exe", "WNCOM_SAMPLE_EXIT", "3");
     const LogCapture log;
-    EXPECT_EQ(Register(script), E_FAIL);
+    EXPECT_EQ(Register(server), E_FAIL);
     EXPECT_EQ(Messages(log).back(), std::string("2 ") + kLabel +
                                         "COM Registration - exited with a failure code!!! | module=\"" +
-                                        Lowered(script) + "\" /regserver | 3");
+                                        Lowered(server) + "\" /regserver | 3");
 }
 
 TEST_F(RegisterComponent, SaysNothingMoreOfAnExecutableThatDoesNotStart) {
@@ -160,15 +165,15 @@ TEST_F(RegisterComponent, SaysNothingMoreOfAnExecutableThatDoesNotStart) {
 }
 
 TEST_F(RegisterComponent, GivesUpOnAnExecutableThatHangsAndLeavesItRunning) {
-    const std::string pidFile = HomePath() + "/pid";
-    const std::string script = Script("hanging.exe", "echo $$ > " + pidFile + "; exec sleep 60");
+    const std::string end = HomePath() + "/end";
+    const std::string server = Server("hanging.exe", "WNCOM_SAMPLE_UNTIL", end);
     const LogCapture log;
-    EXPECT_EQ(Register(script), E_FAIL);
+    EXPECT_EQ(Register(server), E_FAIL);
     EXPECT_EQ(Messages(log).back(), std::string("2 ") + kLabel + "COM Registration Hung!!! | module=\"" +
-                                        Lowered(script) + "\" /regserver");
-    const int pid = std::atoi(ReadWholeFile(pidFile).c_str());
-    ASSERT_GT(pid, 0);
-    EXPECT_EQ(kill(pid, SIGKILL), 0);
+                                        Lowered(server) + "\" /regserver");
+    WriteWholeFile(end, "");
+    for (int i = 0; i < 1000 && std::filesystem::exists(end); ++i) Sleep(10);
+    EXPECT_FALSE(std::filesystem::exists(end)) << "it no longer ran";
 }
 
 }  // namespace

@@ -6,7 +6,7 @@ wncom_add_test(
         logging_config_test.cpp
         logging_file_test.cpp
         logging_format_test.cpp
-        logging_processes_test.cpp
+        logging_processes_linux_test.cpp
         logging_test.cpp
         trace_scope_test.cpp
 )

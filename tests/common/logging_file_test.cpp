@@ -1,11 +1,13 @@
 // The log file: its size limit, its mutex and what goes wrong with it.
 #include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <thread>
 
-#include "platform/include/wnplatform/inspect.h"
 #include "tests/common/LogFixture.h"
+#include "tests/support/Host.h"
+#include "tests/support/MatchesPattern.h"
 
 namespace wncom::test {
 namespace {
@@ -18,7 +20,7 @@ class LoggingFile : public LogTest {
 protected:
     LoggingFile() { std::filesystem::remove(DefaultFile()); }
 
-    static std::string DefaultFile() { return wnplatform::HostPath("\\qbv-event.log"); }
+    static std::string DefaultFile() { return HostPath("\\qbv-event.log"); }
     // Lines of 11 bytes each, numbered.
     static std::string Numbered(int lines) {
         std::string text;
@@ -109,7 +111,7 @@ TEST_F(LoggingFile, SharesAMutexNamedAfterItsPath) {
     const std::string odd = HomePath() + "/Odd~name (1)[2]{3}#.log";
     ASSERT_EQ(1, InitLogging(1, LogDestination::File, odd.c_str(), 0));
     std::string folder = HomePath();
-    for (char& c : folder) c = c == '/' ? '_' : static_cast<char>(std::tolower(c));
+    for (char& c : folder) c = std::strchr("/\\:", c) ? '_' : static_cast<char>(std::tolower(c));
     const std::string name = "qb_rmx_logging_mutex-" + folder + "_odd~name_(1)[2]{3}#.log";
     const HANDLE mutex = OpenMutexA(SYNCHRONIZE, FALSE, name.c_str());
     EXPECT_NE(nullptr, mutex) << name;
@@ -125,8 +127,7 @@ TEST_F(LoggingFile, DropsALineWhoseMutexIsHeldAndGoesOn) {
     ReleaseMutex(mutex);
     CloseHandle(mutex);
     Log(3, "written");
-    EXPECT_THAT(ReadWholeFile(wnplatform::HostPath("\\held.log")),
-                AllOf(HasSubstr("::written\r\n"), Not(HasSubstr("dropped"))));
+    EXPECT_THAT(ReadWholeFile(HostPath("\\held.log")), AllOf(HasSubstr("::written\r\n"), Not(HasSubstr("dropped"))));
 }
 
 TEST_F(LoggingFile, HandsItsLinesToTheDebuggerAfterAFailedWrite) {
@@ -150,7 +151,7 @@ TEST_F(LoggingFile, TakesLinesOfLevelZeroByDefaultAndIsClosedAgain) {
     EXPECT_EQ(0, QueryLogging(nullptr, nullptr));
     const auto lines = SplitLines(ReadWholeFile(DefaultFile()));
     ASSERT_THAT(lines, SizeIs(2));
-    EXPECT_THAT(lines[1], testing::MatchesRegex("[^ ]+/0\\] [A-Za-z]*::second 2\r\n"));
+    EXPECT_THAT(lines[1], MatchesPattern("[^ ]+/0\\] [A-Za-z]*::second 2\r\n"));
 }
 
 TEST_F(LoggingFile, IsNotTheDefaultOneWhenAnotherDestinationIsOpen) {

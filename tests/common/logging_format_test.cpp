@@ -31,7 +31,7 @@ TEST(LogFormat, FollowsFlagsWidthAndPrecision) {
     EXPECT_EQ("[   42][42   ][00042][  042]", Expand("[%5d][%-5d][%05d][%5.3d]", 42, 42, 42, 42));
     EXPECT_EQ("[-0042][+42][ 42][0x2a][052]", Expand("[%05d][%+d][% d][%#x][%#o]", -42, 42, 42, 42, 42));
     EXPECT_EQ("[  abc][ab][abc  ]", Expand("[%5s][%.2s][%-5s]", "abc", "abc", "abc"));
-    EXPECT_EQ("[ é]", Expand("[%3S]", u"é"));
+    EXPECT_EQ("[ é]", Expand("[%3S]", OLESTR("é")));
 }
 
 TEST(LogFormat, WritesAddressesWithThirtyTwoBitsUnderNumberConversions) {
@@ -47,15 +47,15 @@ TEST(LogFormat, WritesNullTextsAsSuch) {
 }
 
 TEST(LogFormat, WritesWideTextAsUtf8) {
-    EXPECT_EQ("aé€😀", Expand("%S", u"aé€😀"));
-    const WCHAR unpaired[] = {0xD83D, u'x', 0xDE00, 0xD83D, 0};
+    EXPECT_EQ("aé€😀", Expand("%S", OLESTR("aé€😀")));
+    const WCHAR unpaired[] = {0xD83D, OLESTR('x'), 0xDE00, 0xD83D, 0};
     EXPECT_EQ("\uFFFDx\uFFFD\uFFFD", Expand("%S", unpaired));
-    EXPECT_EQ("[€][\uFFFD][]", Expand("[%C][%C][%C]", u'€', static_cast<WCHAR>(0xDC00), WCHAR{0}));
+    EXPECT_EQ("[€][\uFFFD][]", Expand("[%C][%C][%C]", OLESTR('€'), static_cast<WCHAR>(0xDC00), WCHAR{0}));
 }
 
 TEST(LogFormat, CountsBytesInThePrecisionOfWideTextAndCutsNoCharacter) {
-    EXPECT_EQ("a", Expand("%.3S", u"a€"));
-    EXPECT_EQ("a€", Expand("%.4S", u"a€b"));
+    EXPECT_EQ("a", Expand("%.3S", OLESTR("a€")));
+    EXPECT_EQ("a€", Expand("%.4S", OLESTR("a€b")));
 }
 
 TEST(LogFormat, TakesNoMoreOfATextThanThePrecision) {
@@ -64,7 +64,7 @@ TEST(LogFormat, TakesNoMoreOfATextThanThePrecision) {
 }
 
 TEST(LogFormat, WritesAnArgumentThatTheConversionDoesNotFitAsWhatItIs) {
-    EXPECT_EQ("text é", Expand("%d %s", "text", u"é"));
+    EXPECT_EQ("text é", Expand("%d %s", "text", OLESTR("é")));
     EXPECT_EQ("-7", Expand("%s", -7));
 }
 
@@ -82,7 +82,7 @@ TEST(LogFormat, CopiesWhatIsNoConversion) {
 TEST(LogFormat, SharesTheRoomAmongTheTexts) {
     EXPECT_EQ(std::string(1020, 'x'), Expand("%s", kLong.c_str()));
     EXPECT_EQ("EXIT: " + std::string(503, 'x') + " @" + std::string(503, 'x') + "@",
-              Expand("EXIT: %s @%S@", kLong.c_str(), std::basic_string<WCHAR>(2000, u'x').c_str()));
+              Expand("EXIT: %s @%S@", kLong.c_str(), std::basic_string<WCHAR>(2000, OLESTR('x')).c_str()));
     const std::string cut(327, 'x');
     EXPECT_EQ("ENTER " + cut + " on line 7 in file " + cut + " @" + cut + "@",
               Expand("ENTER %s on line %d in file %s @%S@", kLong.c_str(), 7, kLong.c_str(), kLong.c_str()));
@@ -130,7 +130,7 @@ TEST(LogFormat, KeepsTheLineEndOfALineThatIsCut) {
 TEST(LogFormat, CutsALineBetweenCharacters) {
     LogLine line;
     line.Append(std::string(LogLine::kTextBytes - 2, 'x'));
-    const LogArgument argument(u"€");
+    const LogArgument argument(OLESTR("€"));
     AppendMessage(line, "%Sy", &argument, 1);
     EXPECT_EQ(LogLine::kTextBytes - 2, line.length());
 }

@@ -4,8 +4,9 @@
 #include <functional>
 #include <thread>
 
-#include "platform/include/wnplatform/inspect.h"
 #include "tests/common/LogFixture.h"
+#include "tests/support/Host.h"
+#include "tests/support/MatchesPattern.h"
 
 namespace wncom::test {
 namespace {
@@ -68,7 +69,7 @@ TEST_F(LoggingThreads, StartLogAndEndAtOnce) {
         }
     });
     EXPECT_EQ(0, QueryLogging(nullptr, nullptr));
-    EXPECT_THAT(Messages(), Each(testing::MatchesRegex("(a{20}|b{21}|c{22}|d{23})::line [0-9]+")));
+    EXPECT_THAT(Messages(), Each(MatchesPattern("(a{20}|b{21}|c{22}|d{23})::line [0-9]+")));
 }
 
 TEST_F(LoggingThreads, WriteNothingIntoAFileThatWasClosed) {
@@ -119,7 +120,7 @@ TEST_F(LoggingThreads, WriteLevelZeroByDefaultBesideStartsAndEnds) {
             }
         }
     });
-    const auto other = SplitLines(ReadWholeFile(wnplatform::HostPath("\\qbv-event.log")));
+    const auto other = SplitLines(ReadWholeFile(HostPath("\\qbv-event.log")));
     EXPECT_EQ(static_cast<std::size_t>(written), Lines().size() + other.size());
 }
 

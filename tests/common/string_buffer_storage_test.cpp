@@ -7,6 +7,7 @@
 #include "common/CPWStringBufferMultiByte.inl"
 #include "tests/common/string_buffer_kinds.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/MatchesPattern.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::test {
@@ -182,7 +183,7 @@ TYPED_TEST(StringBufferStorage, LogsItsSizes) {
     EXPECT_THAT(
         log.Lines(),
         testing::ElementsAre("6 CPWStringBuffer::SetOffset - mOffset=11",
-                             testing::MatchesRegex("6 CPWStringBuffer::Allocate - refsize=10 \\| mBuffer=[0-9A-F]+ "
+                             MatchesPattern("6 CPWStringBuffer::Allocate - refsize=10 \\| mBuffer=[0-9A-F]+ "
                                                    "\\| mCapacity=32 \\| mOffset=11")));
 }
 

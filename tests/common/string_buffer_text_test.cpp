@@ -3,12 +3,12 @@
 
 #include "tests/common/string_buffer_kinds.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/MatchesPattern.h"
 
 namespace wncom::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::MatchesRegex;
 
 TEST(StringBufferText, StartsWithNothing) {
     CPHeapBuffer buffer;
@@ -78,7 +78,7 @@ TEST(StringBufferText, WithoutAMultiByteFormAnswersTheDefault) {
     const LogCapture log(1);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "default");
     EXPECT_THAT(log.Lines(),
-                ElementsAre(MatchesRegex("1 Assertion failed: mbstrRequired, file CPWStringBuffer[A-Za-z]*.inl, line "
+                ElementsAre(MatchesPattern("1 Assertion failed: mbstrRequired, file CPWStringBuffer[A-Za-z]*.inl, line "
                                          "[0-9]+")));
     buffer.Erase(3);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "abc");

@@ -4,12 +4,12 @@
 #include <stdexcept>
 
 #include "tests/common/LogFixture.h"
+#include "tests/support/MatchesPattern.h"
 #include "wncom/TraceScope.h"
 
 namespace wncom::test {
 namespace {
 
-using testing::MatchesRegex;
 using testing::SizeIs;
 
 class TraceScopeLines : public LogTest {

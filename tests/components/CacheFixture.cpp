@@ -1,8 +1,6 @@
 #include "tests/components/CacheFixture.h"
 
-#include <sys/wait.h>
-
-#include <cstdlib>
+#include "tests/support/Host.h"
 
 namespace wncom::test {
 
@@ -23,7 +21,7 @@ std::string Sqlite::Run(const std::string& sql) {
 }
 
 CacheFixture::CacheFixture() {
-    setenv("WNCOM_DEBUG_OUTPUT", PathOf("debug.txt").c_str(), 1);
+    CaptureDebugOutput(PathOf("debug.txt"));
     m_debugStart = ReadWholeFile(PathOf("debug.txt")).size();
     SetCacheFile(m_path);
 }
@@ -47,11 +45,5 @@ std::string CacheFixture::Fetch(std::string_view key) {
 }
 
 std::string CacheFixture::DebugOutput() const { return ReadWholeFile(PathOf("debug.txt")).substr(m_debugStart); }
-
-void ExpectSuccess(pid_t process) {
-    int status = -1;
-    EXPECT_EQ(waitpid(process, &status, 0), process);
-    EXPECT_EQ(status, 0);
-}
 
 }  // namespace wncom::test

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -48,15 +47,5 @@ protected:
 private:
     std::size_t m_debugStart;
 };
-
-// Runs a function, which answers a status, in a process of its own; nothing is closed at its end, as if it were
-// killed there. To be called while this process has no database open.
-template <class Function>
-pid_t RunInProcess(Function function) {
-    const pid_t child = fork();
-    if (child == 0) _exit(function() == S_OK ? 0 : 1);
-    return child;
-}
-void ExpectSuccess(pid_t process);
 
 }  // namespace wncom::test

@@ -1,9 +1,8 @@
 #include "tests/components/ComponentsFixture.h"
+#include "tests/support/Host.h"
 
 #include <array>
 #include <cstdio>
-
-#include "platform/include/wnplatform/inspect.h"
 
 namespace wncom::test {
 std::string Shown(BSTR text) {
@@ -69,7 +68,7 @@ std::vector<std::string> Records(const CPComPtr<IPortMapList>& list) {
 std::string PortMapPath() {
     std::array<char, MAX_PATH> folder = {};
     EXPECT_NE(GetWindowsDirectoryA(folder.data(), MAX_PATH), 0u);
-    return wnplatform::HostPath((std::string(folder.data()) + "\\portmap.xml").c_str());
+    return HostPath(std::string(folder.data()) + "\\portmap.xml");
 }
 
 }  // namespace wncom::test

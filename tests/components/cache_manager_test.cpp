@@ -72,7 +72,7 @@ TEST_F(CacheManager, RefusesWhatItDoesNotOffer) {
         EXPECT_EQ(Hex(m_manager->PutXML(OLESTR("k"), ticket.get(), 60, flags)), Hex(E_INVALIDARG));
         EXPECT_EQ(Hex(m_manager->FetchXML(OLESTR("k"), flags, found.put())), Hex(E_INVALIDARG));
     }
-    for (const LONG seconds : {0, -1, std::numeric_limits<LONG>::min()}) {
+    for (const LONG seconds : {LONG{0}, LONG{-1}, std::numeric_limits<LONG>::min()}) {
         EXPECT_EQ(Hex(m_manager->PutXML(OLESTR("k"), ticket.get(), seconds, kCacheFlags)), Hex(E_INVALIDARG));
     }
     EXPECT_EQ(Hex(m_manager->PutXML(nullptr, ticket.get(), 60, kCacheFlags)), Hex(E_INVALIDARG));
@@ -110,6 +110,9 @@ TEST_F(CacheManager, AnotherFileCountsFromTheNextManagerOn) {
 }
 
 TEST_F(CacheManager, ARemovedFileIsMadeAnew) {
+#ifdef _WIN32
+    GTEST_SKIP() << "an open file cannot be removed on Windows";
+#endif
     ASSERT_EQ(Hex(Put("a", "<a/>")), Hex(S_OK));
     for (const char* part : {"", "-wal", "-shm"}) std::filesystem::remove(m_path + part);
     EXPECT_EQ(Fetch("a"), Hex(S_FALSE));

@@ -1,4 +1,6 @@
 // The components as a script sees them: by names and variants.
+#include <windows.h>
+
 #include <oleauto.h>
 
 #include "tests/components/ComponentsFixture.h"
@@ -32,7 +34,7 @@ public:
     std::string text() const {
         if (m_value.vt == VT_DISPATCH) return m_value.pdispVal ? "object" : "nothing";
         Value converted;
-        const HRESULT status = VariantChangeType(converted.get(), &m_value, 0, VT_BSTR);
+        const HRESULT status = VariantChangeType(converted.get(), const_cast<VARIANT*>(&m_value), 0, VT_BSTR);
         if (status != S_OK) return Hex(status);
         return converted.m_value.bstrVal ? Shown(converted.m_value.bstrVal) : "";
     }
@@ -94,7 +96,7 @@ TEST_F(LateBound, DescriptionsAreFilledAndRead) {
     EXPECT_EQ(Call(service, "GetAddress").text(), "http://127.0.0.1:1/");
 
     const Value transport = New(kProgIdTransportDesc);
-    const Value zero(0);
+    const Value zero(LONG{0});
     const Value sink("3");
     Call(transport, "SetTargetURI", {&address, &zero, &zero, &sink});
     EXPECT_EQ(Call(transport, "GetTargetURI").text(), "http://127.0.0.1:1/");
@@ -107,7 +109,7 @@ TEST_F(LateBound, AccessorIsAsked) {
     const Value document("<t><a>1</a><a>2</a></t>");
     const Value delimiter("-");
     const Value query("./a");
-    const Value all(0);
+    const Value all(LONG{0});
     Call(accessor, "SetDelimiter", {&delimiter});
     Call(accessor, "LoadXML", {&document});
     EXPECT_EQ(Call(accessor, "GetXML", {&query, &all}).text(), "1-2");

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tests/components/ComponentsFixture.h"
+#include "tests/support/Host.h"
 
 namespace wncom::test {
 namespace {
@@ -13,7 +14,7 @@ using testing::IsEmpty;
 
 class PortMapFile : public ComponentsFixture {
 protected:
-    static void SetUpTestSuite() { setenv("WNCOM_DEBUG_OUTPUT", PathOf("debug.txt").c_str(), 1); }
+    static void SetUpTestSuite() { CaptureDebugOutput(PathOf("debug.txt")); }
 
     static void SetFileValue(DWORD type, const std::string& data) {
         HKEY key = nullptr;
@@ -82,6 +83,9 @@ TEST_F(PortMapFile, ChangedFileIsReadAgain) {
 
 // A file that is no longer fresh is trusted to be the same while its size and times are.
 TEST_F(PortMapFile, FileReplacedByAnOlderOneIsReadAgain) {
+#ifdef _WIN32
+    GTEST_SKIP() << "Wine tells a file's creation time from its last change, which is the same here";
+#endif
     namespace fs = std::filesystem;
     const auto old = fs::file_time_type::clock::now() - std::chrono::hours(1);
     WriteWholeFile(PortMapPath(), MapWith("a"));

@@ -19,7 +19,12 @@ TEST_F(PortMapThreads, SearchesWhileTheFileChangesSeeWholeMaps) {
     // Moved into place as a whole, as an editor does.
     const auto replace = [&](const std::string& transport) {
         WriteWholeFile(PortMapPath() + ".new", mapWith(transport));
-        EXPECT_NE(MoveFileExA((PortMapPath() + ".new").c_str(), PortMapPath().c_str(), MOVEFILE_REPLACE_EXISTING), 0);
+        // Windows does not replace a file while it is being read.
+        const std::string next = PortMapPath() + ".new";
+        for (int tries = 0; !MoveFileExA(next.c_str(), PortMapPath().c_str(), MOVEFILE_REPLACE_EXISTING); ++tries) {
+            ASSERT_LT(tries, 10'000) << GetLastError();
+            Sleep(1);
+        }
     };
     replace("A");
 

@@ -5,6 +5,7 @@
 #include "tests/fakes/FakeCacheMgr.h"
 #include "tests/fakes/FakeObject.h"
 #include "tests/fakes/FakePortMap.h"
+#include "tests/support/Host.h"
 #include "wncom/Descriptions.h"
 #include "wncom/XMLSimpleAccessor.h"
 
@@ -163,6 +164,17 @@ public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         *object = nullptr;
         if (outer) return CLASS_E_NOAGGREGATION;
+        if constexpr (kExceptionsPassTheSystem) return Create(iid, object);
+        try {
+            return Create(iid, object);
+        } catch (...) {
+            return E_UNEXPECTED;
+        }
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+private:
+    HRESULT Create(REFIID iid, void** object) {
         const Misbehaviour misbehaviour = Script().Enter(std::string(m_fake.name) + ".create");
         if (misbehaviour.fault == Fault::Status) return misbehaviour.status;
         if (misbehaviour.fault == Fault::Null) return S_OK;
@@ -170,9 +182,7 @@ public:
         made.attach(m_fake.make());
         return made->QueryInterface(iid, object);
     }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
-private:
     ~FakeClassObject() = default;
 
     const FakeClass& m_fake;

@@ -10,8 +10,8 @@ std::string PeerProgram() { return ProgramFolder() + "/platform_peer.exe"; }
 
 std::string InHome(const std::string& name) { return HomePath() + "/" + name; }
 
-Peer::Peer(const std::string& arguments) {
-    std::string line = "\"" + PeerProgram() + "\" " + arguments;
+Peer::Peer(const std::string& arguments, const std::string& program) {
+    std::string line = "\"" + program + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION information{};

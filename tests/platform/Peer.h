@@ -7,11 +7,14 @@
 
 namespace wncom::test {
 
-// The program of peer.cpp, running with a deed and its arguments; ended with the object, when it has not ended
-// itself.
+// The path of the peer's program.
+std::string PeerProgram();
+
+// The program of peer.cpp, running with a deed and its arguments, or another one; ended with the object, when it has
+// not ended itself.
 class Peer {
 public:
-    explicit Peer(const std::string& arguments);
+    explicit Peer(const std::string& arguments, const std::string& program = PeerProgram());
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
     ~Peer();
@@ -27,9 +30,6 @@ private:
     HANDLE m_process = nullptr;
     DWORD m_id = 0;
 };
-
-// The path of the peer's program.
-std::string PeerProgram();
 
 // A path in the home.
 std::string InHome(const std::string& name);

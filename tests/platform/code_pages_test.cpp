@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -84,6 +86,49 @@ TEST(CodePages, ReplaceLoneSurrogatesInUtf8OrRefuseThem) {
         SetLastError(0);
         EXPECT_EQ(Narrow(CP_UTF8, text, WC_ERR_INVALID_CHARS), "");
         EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
+    }
+}
+
+// Long texts take a quicker road than short ones.
+TEST(CodePages, ReadLongTextsAsTheirCharactersOneByOne) {
+    const std::string_view western[] = {"a", "bc", "\xE9", "\x80", "\x9F", "0123456789abcdefghijklmnopqrstuvwxyz"};
+    const std::string_view utf8[] = {"a",
+                                     "bc",
+                                     "\xC3\xA9",
+                                     "\xDF\xBF",
+                                     "\xE0\xA0\x80",
+                                     "\xEF\xBF\xBF",
+                                     "\xE4\xB8\xAD\xE6\x96\x87",
+                                     "\xF0\x9F\x98\x80",
+                                     "\xFFz",
+                                     "\xC0\x80z",
+                                     "\xED\xA0\x80z",
+                                     "\xE0\x80\x80z",
+                                     "\xE2\x82z",
+                                     "\xC3z",
+                                     "\x80z",
+                                     "0123456789abcdefghijklmnopqrstuvwxyz"};
+    std::mt19937 numbers;
+    for (int round = 0; round < 2000; ++round) {
+        const bool isUtf8 = round % 2 != 0;
+        const UINT page = isUtf8 ? CP_UTF8 : 1252;
+        // Few kinds of characters at a time, so that there are long stretches of each.
+        const std::size_t kinds = 1 + numbers() % (isUtf8 ? std::size(utf8) : std::size(western));
+        const std::size_t first = numbers() % kinds;
+        std::string bytes;
+        WideText expected;
+        while (bytes.size() < 150) {
+            const std::size_t kind = first + numbers() % (kinds - first);
+            const std::string_view character = isUtf8 ? utf8[kind] : western[kind];
+            bytes += character;
+            expected += Wide(page, character);
+        }
+        WideText read(bytes.size(), OLESTR('*'));
+        const int count = static_cast<int>(bytes.size());
+        const int units = MultiByteToWideChar(page, 0, bytes.data(), count, read.data(), count);
+        EXPECT_EQ(MultiByteToWideChar(page, 0, bytes.data(), count, nullptr, 0), units);
+        read.resize(static_cast<std::size_t>(units));
+        ASSERT_EQ(read, expected) << "round " << round;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <ole2.h>
 
+#include <cstring>
 #include <set>
 #include <string>
 #include <thread>

@@ -15,7 +15,7 @@ namespace wncom::test {
 struct ITarget : IDispatch {
     static constexpr IID kIid = {0x51d1c2b4, 0x8e0f, 0x4c57, {0x9e, 0x0b, 0x7e, 0x8a, 0x0d, 0x1b, 0x2c, 0x34}};
 
-    virtual HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT small, VARIANT_BOOL flag, BSTR* text) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT tiny, VARIANT_BOOL flag, BSTR* text) = 0;
     virtual HRESULT STDMETHODCALLTYPE Take(BSTR text, BSTR* info, LONG* length) = 0;
     virtual HRESULT STDMETHODCALLTYPE Extend(BSTR* text) = 0;
     virtual HRESULT STDMETHODCALLTYPE Same(ITarget* object, ITarget** result) = 0;
@@ -62,9 +62,9 @@ public:
         return E_NOTIMPL;
     }
 
-    HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT small, VARIANT_BOOL flag, BSTR* text) override {
+    HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT tiny, VARIANT_BOOL flag, BSTR* text) override {
         const std::string all =
-            Narrow(first) + " " + std::to_string(number) + " " + std::to_string(small) + " " + std::to_string(flag);
+            Narrow(first) + " " + std::to_string(number) + " " + std::to_string(tiny) + " " + std::to_string(flag);
         *text = SysAllocString(Wide(all).c_str());
         return S_OK;
     }

@@ -52,6 +52,18 @@ TEST(RuntimeText, FindsCharactersAndTheEnd) {
     EXPECT_EQ(wcschr(text, 'x'), nullptr);
 }
 
+TEST(RuntimeText, MeasuresTextsOfAnyLengthAtAnyPlace) {
+    constexpr std::size_t most = 200;
+    for (std::size_t place = 0; place < 40; ++place) {
+        for (std::size_t length = 0; place + length < most; ++length) {
+            // Zeros before the text and after its end do not count, nor do characters with a zero half.
+            WCHAR room[most + 1] = {};
+            for (std::size_t i = 0; i != length; ++i) room[place + i] = i % 2 == 0 ? OLESTR('a') : OLESTR('\x0100');
+            ASSERT_EQ(wcslen(room + place), length) << place;
+        }
+    }
+}
+
 TEST(RuntimeText, DuplicatesTexts) {
     const std::unique_ptr<WCHAR, Freer> wide(_wcsdup(OLESTR("ab")));
     EXPECT_EQ(wcscmp(wide.get(), OLESTR("ab")), 0);

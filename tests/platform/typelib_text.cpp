@@ -70,14 +70,6 @@ std::string MemberText(ITypeInfo& type, const FUNCDESC& function) {
 
 }  // namespace
 
-std::basic_string<OLECHAR> Wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
-
-std::string Narrow(BSTR text) {
-    std::string narrow;
-    for (UINT i = 0; i < SysStringLen(text); ++i) narrow += static_cast<char>(text[i]);
-    return narrow;
-}
-
 Held<ITypeLib> LoadLibraryOf(const std::string& file) {
     const bool whole = file.find('/') != std::string::npos;
     ITypeLib* library = nullptr;
@@ -108,7 +100,7 @@ std::string NameOf(ITypeInfo& type, MEMBERID member) {
 std::string InterfaceText(ITypeInfo& type) {
     TYPEATTR* attributes = nullptr;
     if (FAILED(type.GetTypeAttr(&attributes))) return "no attributes";
-    std::string text = NameOf(type) + " flags=" + Hex(attributes->wTypeFlags) + " : ";
+    std::string text = NameOf(type) + " flags=" + Hex(static_cast<unsigned>(attributes->wTypeFlags)) + " : ";
     const Held<ITypeInfo> base = Referenced(type, 0);
     text += (base ? NameOf(*base) : "nothing") + Quoted(type, MEMBERID_NIL);
     for (UINT i = 0; i < attributes->cFuncs; ++i) {
@@ -124,7 +116,8 @@ std::string InterfaceText(ITypeInfo& type) {
 std::string ClassText(ITypeInfo& type) {
     TYPEATTR* attributes = nullptr;
     if (FAILED(type.GetTypeAttr(&attributes))) return "no attributes";
-    std::string text = NameOf(type) + " flags=" + Hex(attributes->wTypeFlags) + Quoted(type, MEMBERID_NIL);
+    std::string text =
+        NameOf(type) + " flags=" + Hex(static_cast<unsigned>(attributes->wTypeFlags)) + Quoted(type, MEMBERID_NIL);
     for (UINT i = 0; i < attributes->cImplTypes; ++i) {
         INT flags = -1;
         type.GetImplTypeFlags(i, &flags);

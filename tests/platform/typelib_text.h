@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "tests/support/Com.h"
+
 namespace wncom::test {
 
 struct ReleaseObject {
@@ -30,8 +32,5 @@ std::string NameOf(ITypeInfo& type, MEMBERID member = MEMBERID_NIL);
 std::string InterfaceText(ITypeInfo& type);
 // "NAME flags=0x.. "help"", then for each interface "FLAGS NAME".
 std::string ClassText(ITypeInfo& type);
-
-std::basic_string<OLECHAR> Wide(const std::string& ascii);
-std::string Narrow(BSTR text);
 
 }  // namespace wncom::test

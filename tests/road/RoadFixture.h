@@ -37,6 +37,13 @@ protected:
     static CPComPtr<IWendrel> Agent(const CPComPtr<IServiceDesc>& service);
     static CPComPtr<IWendrel> Agent(const std::string& address) { return Agent(Service(address)); }
     static void SetAddress(const CPComPtr<IServiceDesc>& service, const std::string& address);
+    // Another interface of the agent.
+    template <class Interface>
+    static CPComPtr<Interface> Ask(const CPComPtr<IWendrel>& agent) {
+        CPComPtr<Interface> asked;
+        EXPECT_EQ(Hex(agent.QueryInterface(asked)), Hex(S_OK));
+        return asked;
+    }
 
     // The status of a submission in hex. The data address goes to the text, when there is one.
     static std::string Submit(const CPComPtr<IWendrel>& agent, std::string* dataAddress = nullptr);

@@ -1,5 +1,7 @@
 #include "tests/support/TestHome.h"
 
+#include <windows.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -9,7 +11,11 @@
 namespace wncom::test {
 
 const std::string& ProgramFolder() {
-    static const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+    static const std::string folder = [] {
+        std::string path(4096, '\0');
+        path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
+        return std::filesystem::path(path).parent_path().string();
+    }();
     return folder;
 }
 

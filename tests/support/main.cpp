@@ -4,29 +4,20 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
-#include "platform/include/wnplatform/inspect.h"
+#include "tests/support/Host.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {
 namespace {
 
-std::string MakeHome() {
-    std::string path = (std::filesystem::temp_directory_path() / "wncom-test-XXXXXX").string();
-    if (!mkdtemp(path.data())) std::abort();
-    // The layer reads the variable once, at its first use; nothing of it runs before main.
-    setenv("WNCOM_HOME", path.c_str(), 1);
-    return path;
-}
-
 // Counts are taken around each test: what a test makes it must free.
 class LeakListener : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo&) override { m_texts = wnplatform::LiveTexts(); }
+    void OnTestStart(const testing::TestInfo&) override { m_texts = LiveTexts(); }
     void OnTestEnd(const testing::TestInfo& test) override {
         if (test.result()->Failed() || test.result()->Skipped()) return;
-        const long left = wnplatform::LiveTexts() - m_texts;
+        const long left = LiveTexts() - m_texts;
         if (left != 0) ADD_FAILURE() << left << " BSTR(s) left behind";
     }
     long m_texts = 0;
@@ -46,6 +37,6 @@ int main(int argc, char** argv) {
     const std::string& home = wncom::test::HomePath();
     testing::UnitTest::GetInstance()->listeners().Append(new wncom::test::LeakListener);
     const int result = RUN_ALL_TESTS();
-    if (!std::getenv("WNCOM_KEEP_HOME")) std::filesystem::remove_all(home);
+    wncom::test::RemoveHome(home, std::getenv("WNCOM_KEEP_HOME") != nullptr);
     return result;
 }

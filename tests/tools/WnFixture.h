@@ -21,6 +21,9 @@ protected:
     // A path in the test's home.
     static std::string InHome(const std::string& name) { return HomePath() + "/" + name; }
 
+    // A file of the samples that ship.
+    static std::string Sample(const std::string& name) { return WNCOM_SAMPLES "/" + name; }
+
     static std::string NewTicket(const std::string& name = "ticket.xml") {
         WriteWholeFile(InHome(name), kTicketText);
         return InHome(name);

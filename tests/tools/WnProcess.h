@@ -26,6 +26,8 @@ public:
 
     // What it has written to standard output so far.
     std::string Output() const;
+    // For a signal; valid until Wait.
+    pid_t Pid() const { return m_process; }
     // Waits for its end. Later calls give the same.
     WnOutcome Wait();
 

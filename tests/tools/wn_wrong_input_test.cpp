@@ -28,6 +28,7 @@ protected:
         WriteWholeFile(InHome("latin.xml"), "<t>\xF6</t>");
         WriteWholeFile(InHome("zero.xml"), std::string("<t>\0</t>", 8));
         WriteWholeFile(InHome("text.dll"), "no module");
+        WriteWholeFile(InHome("open.xml"), "<a>\n<b>");
     }
 };
 
@@ -57,6 +58,13 @@ const WrongInput kInputs[] = {
     {"TicketInAnotherEncoding", {"submit", "~/latin.xml", "--to", "x"}, 1, "latin.xml is not UTF-8 text"},
     {"TicketWithAZero", {"submit", "~/zero.xml", "--to", "x"}, 1, "zero.xml holds a zero byte"},
     {"DirectoryAsData", {"submit", "~/latin.xml", "--to", "x", "--data", "~"}, 1, "~ is a directory"},
+    {"PathWithoutService", {"data", "get", "//a"}, 2, "--to is required"},
+    {"AbsentSetDocument", {"data", "set", "~/none.xml", "--to", "x"}, 1, "Cannot open ~/none.xml"},
+    {"BrokenSetDocument", {"data", "set", "~/open.xml", "--to", "x"}, 1, "~/open.xml is no XML document: line 2"},
+    {"BrokenSubscription", {"events", "subscribe", "~/open.xml", "--to", "x"}, 1, "no XML document: line 2"},
+    {"FilterWithoutAValue", {"events", "watch", "--filter", "a", "--to", "x"}, 2, "--filter: write NAME=VALUE"},
+    {"DurationThatIsNone", {"events", "renew", "id", "--duration", "soon", "--to", "x"}, 2, "--duration"},
+    {"NoEnd", {"events", "watch", "--count", "0", "--to", "x"}, 2, "--count"},
     {"AbsentModule", {"register", "~/none.dll"}, 1, "Cannot load ~/none.dll"},
     {"ModuleThatIsNone", {"register", "~/text.dll"}, 1, "Cannot load ~/text.dll"},
     {"LogPathWithAComma", {"logging", "file", "~/a,b.log"}, 1, "cannot hold a comma"},

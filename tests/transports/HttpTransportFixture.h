@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/support/DeviceProcess.h"
+#include "tests/support/ElementText.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestHome.h"
 #include "wncom/Bstr.h"
@@ -102,13 +103,5 @@ public:
 private:
     Bstr m_text;
 };
-
-// The text of the first element of a name, as it stands in the document.
-inline std::string ElementText(std::string_view document, const std::string& name) {
-    const std::size_t start = document.find("<" + name + ">");
-    if (start == std::string_view::npos) return {};
-    const std::size_t text = start + name.size() + 2;
-    return std::string(document.substr(text, document.find('<', text) - text));
-}
 
 }  // namespace wncom::test

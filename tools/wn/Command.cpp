@@ -1,6 +1,7 @@
 #include "tools/wn/Command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 
 #include "tools/wn/Texts.h"
@@ -39,7 +40,7 @@ CLI::Validator NotEmpty() {
 
 void Report::Add(const char* key, const char* label, const std::string& value) { Add(key, label, value, value); }
 
-void Report::Add(const char* key, const char* label, const nlohmann::json& value, const std::string& text) {
+void Report::Add(const char* key, const char* label, const nlohmann::ordered_json& value, const std::string& text) {
     m_values[key] = value;
     if (text.empty()) return;
     std::string name(label);
@@ -52,11 +53,25 @@ void Report::AddSetting(const char* name, const std::optional<std::string>& valu
     Add(name, name, absent ? nlohmann::json() : nlohmann::json(*value), absent ? none : *value);
 }
 
+void Report::AddDocument(const char* key, const std::string& text) {
+    m_values[key] = text;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        std::string line = text.substr(at, end - at);
+        if (line.ends_with('\r')) line.pop_back();
+        std::replace(line.begin(), line.end(), '\t', ' ');
+        Line(line);
+        at = end + 1;
+    }
+}
+
 void Report::Line(const std::string& text) { m_lines += Printable(text) + "\n"; }
 
 void Report::Print() {
-    const std::string text =
-        m_json ? m_values.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : m_lines;
+    const std::string text = m_json ? m_values.dump(m_form == Form::Indented ? 2 : -1, ' ', false,
+                                                    nlohmann::json::error_handler_t::replace) +
+                                          "\n"
+                                    : m_lines;
     m_lines.clear();
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
         throw CommandError("Cannot write the answer to standard output");

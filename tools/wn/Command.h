@@ -33,13 +33,17 @@ CLI::Validator NotEmpty();
 // characters in a line become question marks; what a service answers must not reach the terminal as it is.
 class Report {
 public:
-    explicit Report(bool json) : m_json(json) {}
+    // The shape of the JSON object: indented, or on one line where several follow each other.
+    enum class Form { Indented, OneLine };
+    explicit Report(bool json, Form form = Form::Indented) : m_json(json), m_form(form) {}
 
     // key is the JSON name, label what a person reads; an empty text is left out of the lines.
     void Add(const char* key, const char* label, const std::string& value);
-    void Add(const char* key, const char* label, const nlohmann::json& value, const std::string& text);
+    void Add(const char* key, const char* label, const nlohmann::ordered_json& value, const std::string& text);
     // A setting as it stands in the registry: its name is also its label; absent or empty it is null, shown as none.
     void AddSetting(const char* name, const std::optional<std::string>& value, const std::string& none);
+    // A document of several lines, shown below the lines so far.
+    void AddDocument(const char* key, const std::string& text);
     // Lines for people only.
     void Line(const std::string& text);
 
@@ -61,6 +65,7 @@ public:
 
 private:
     bool m_json;
+    Form m_form;
     nlohmann::ordered_json m_values = nlohmann::ordered_json::object();
     std::string m_lines;
 };
@@ -71,5 +76,11 @@ void AddLoggingCommands(CLI::App& app, const bool& json);
 void AddDirectoryCommands(CLI::App& app, const bool& json);
 void AddPortMapCommands(CLI::App& app, const bool& json);
 void AddSubmitCommand(CLI::App& app, const bool& json);
+void AddCapabilitiesCommand(CLI::App& app, const bool& json);
+void AddDataCommands(CLI::App& app, const bool& json);
+void AddEventsCommands(CLI::App& app, const bool& json);
+void AddConfigCommand(CLI::App& app, const bool& json);
+// Below "events"; adds nothing in a build without an HTTP library.
+void AddWatchCommand(CLI::App& events, const bool& json);
 
 }  // namespace wn

@@ -74,6 +74,8 @@ std::string FirstLine(const std::string& text) {
 
 }  // namespace
 
+bool CanDeliver() { return true; }
+
 Delivery Deliver(const std::string& path, const std::string& address, int deliveryMethod) {
     InputFile file(path);
     ProgressBar progress(file.size());

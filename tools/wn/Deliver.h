@@ -11,6 +11,9 @@ struct Delivery {
     double seconds;
 };
 
+// False in a build without an HTTP library.
+bool CanDeliver();
+
 // Sends the file's bytes with POST (delivery method 1) or PUT (3). Throws CommandError with the address when the
 // service cannot be reached, refuses the data or stops taking it for a minute.
 Delivery Deliver(const std::string& file, const std::string& address, int deliveryMethod);

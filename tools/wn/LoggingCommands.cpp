@@ -104,6 +104,7 @@ void AddLoggingCommands(CLI::App& app, const bool& json) {
         CLI::App* command = logging->add_subcommand(name, help);
         AddLevel(command, *options);
         AddTarget(command, *options);
+        command->footer(std::string("Example:\n  wn logging ") + name + " --level 5 --for CWendrel");
         command->callback([options, form = std::string(name), &json] {
             Write(*options, form + "," + std::to_string(options->level), json);
         });
@@ -111,9 +112,12 @@ void AddLoggingCommands(CLI::App& app, const bool& json) {
 
     CLI::App* off = logging->add_subcommand("off", "Remove the configuration");
     AddTarget(off, *options);
+    off->footer("Example:\n  wn logging off --for CWendrel");
     off->callback([options, &json] { Remove(*options, json); });
 
-    logging->add_subcommand("show", "Show the configuration")->callback([&json] { Show(json); });
+    CLI::App* show = logging->add_subcommand("show", "Show the configuration");
+    show->footer("Example:\n  wn logging show --json");
+    show->callback([&json] { Show(json); });
 }
 
 }  // namespace wn

@@ -52,6 +52,13 @@ std::string WholeFile(const std::string& path) {
     return whole;
 }
 
+std::string InWindowsDirectory(const std::string& name) {
+    char folder[MAX_PATH];
+    const UINT length = GetWindowsDirectoryA(folder, sizeof(folder));
+    if (length == 0 || length >= sizeof(folder)) throw CommandError("The Windows directory is unknown");
+    return FromNarrow({folder, length}) + "\\" + name;
+}
+
 bool Exists(const std::string& path) { return AttributesOf(path) != INVALID_FILE_ATTRIBUTES; }
 
 bool IsDirectory(const std::string& path) {

@@ -17,6 +17,9 @@ std::string WholePath(const std::string& path);
 std::string WholeDirectory(const std::string& path);
 std::string WholeFile(const std::string& path);
 
+// The path of a file in the Windows directory. Throws CommandError when that is unknown.
+std::string InWindowsDirectory(const std::string& name);
+
 bool Exists(const std::string& path);
 bool IsDirectory(const std::string& path);
 

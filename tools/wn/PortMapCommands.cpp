@@ -124,15 +124,19 @@ void AddPortMapCommands(CLI::App& app, const bool& json) {
         ->type_name("")
         ->required()
         ->check(NotEmpty());
+    remove->footer("Example:\n  wn portmap remove http://127.0.0.1:8631/service");
     remove->callback([options, &json] { Remove(*options, json); });
 
-    portMap->add_subcommand("list", "List the devices and their services")->callback([&json] { List(json); });
+    CLI::App* list = portMap->add_subcommand("list", "List the devices and their services");
+    list->footer("Example:\n  wn portmap list --json");
+    list->callback([&json] { List(json); });
 
     CLI::App* file = portMap->add_subcommand("file", "Keep the port map in this file");
     file->add_option("PATH", options->file, "XML file; an absent one is an empty port map")
         ->type_name("")
         ->required()
         ->check(NotEmpty());
+    file->footer("Example:\n  wn portmap file /etc/wncom/portmap.xml");
     file->callback([options, &json] { SetFile(*options, json); });
 }
 

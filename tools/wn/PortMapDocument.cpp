@@ -67,10 +67,7 @@ void WriteText(const std::string& path, const std::string& text) {
 
 std::string PortMapPath() {
     if (const auto configured = kPortMapKey.Read(kFileValue); configured && !configured->empty()) return *configured;
-    char folder[MAX_PATH];
-    const UINT length = GetWindowsDirectoryA(folder, sizeof(folder));
-    if (length == 0 || length >= sizeof(folder)) throw CommandError("The Windows directory is unknown");
-    return FromNarrow({folder, length}) + "\\portmap.xml";
+    return InWindowsDirectory("portmap.xml");
 }
 
 void SetPortMapPath(const std::string& path) {

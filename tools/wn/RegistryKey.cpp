@@ -52,6 +52,38 @@ std::optional<std::string> RegistryKey::Read(const std::string& name) const {
     return FromNarrow(value.substr(0, value.find('\0')));
 }
 
+std::optional<DWORD> RegistryKey::ReadNumber(const std::string& name) const {
+    const OpenKey key(Open(m_path, KEY_READ));
+    DWORD type = 0;
+    DWORD number = 0;
+    DWORD size = sizeof(number);
+    if (!key.get() || RegQueryValueExA(key.get(), name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&number),
+                                       &size) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return type == REG_DWORD && size == sizeof(number) ? std::optional(number) : std::nullopt;
+}
+
+bool RegistryKey::Exists() const { return OpenKey(Open(m_path, KEY_READ)).get() != nullptr; }
+
+std::vector<std::string> RegistryKey::Names() const {
+    constexpr DWORD kLongestName = 16384;  // characters, with the terminator
+    const OpenKey key(Open(m_path, KEY_READ));
+    std::vector<std::string> names;
+    std::string name(kLongestName, '\0');
+    for (DWORD index = 0; key.get(); ++index) {
+        DWORD length = kLongestName;
+        DWORD type = 0;
+        if (RegEnumValueA(key.get(), index, name.data(), &length, nullptr, &type, nullptr, nullptr) !=
+            ERROR_SUCCESS) {
+            break;
+        }
+        if (length != 0 && (type == REG_SZ || type == REG_EXPAND_SZ))
+            names.push_back(FromNarrow({name.data(), length}));
+    }
+    return names;
+}
+
 void RegistryKey::Write(const std::string& name, const std::string& value) const {
     const std::optional<std::string> narrow = ToNarrow(value);
     if (!narrow) {

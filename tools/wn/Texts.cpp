@@ -1,6 +1,7 @@
 #include "tools/wn/Texts.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/wn/Command.h"
 
@@ -63,6 +64,23 @@ std::string Printable(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
     return text;
+}
+
+std::string OneLine(const std::string& text) {
+    constexpr std::size_t kLongest = 1000;  // bytes
+    std::string line;
+    bool blank = false;
+    for (const char c : text) {
+        if (c == ' ' || (c >= '\t' && c <= '\r')) {
+            blank = !line.empty();
+            continue;
+        }
+        const bool first = (static_cast<unsigned char>(c) & 0xC0) != 0x80;  // of a character
+        if (line.size() >= kLongest && first) return line + " ...";
+        if (std::exchange(blank, false)) line += ' ';
+        line += c;
+    }
+    return line;
 }
 
 }  // namespace wn

@@ -23,4 +23,7 @@ std::string FromNarrow(std::string_view text);
 // The text on one line of a terminal: each control character becomes a question mark.
 std::string Printable(std::string text);
 
+// A text of several lines as one: each run of white space is a blank, and what is too long for a line is cut.
+std::string OneLine(const std::string& text);
+
 }  // namespace wn

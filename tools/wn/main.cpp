@@ -1,4 +1,4 @@
-// wn: submit jobs and configure wnCOM from the command line.
+// wn: wnCOM and its configuration from the command line.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -45,14 +45,20 @@ int main(int argc, char** argv) {
         "Beginning on a new machine:\n"
         "  wn register wnCOM.dll wnComponents.dll\n"
         "  wn directories --catalogue DIR --libraries DIR\n"
+        "  wn config\n"
+        "  wn capabilities --to ADDRESS\n"
         "  wn submit ticket.xml --to ADDRESS --data FILE\n"
         "'wn COMMAND --help' tells more. The settings belong to the home folder in WNCOM_HOME (on Windows: to the\n"
         "machine). Status: 0 done, 1 failed, 2 the command line was wrong.");
     wn::AddSubmitCommand(app, json);
+    wn::AddCapabilitiesCommand(app, json);
+    wn::AddDataCommands(app, json);
+    wn::AddEventsCommands(app, json);
     wn::AddRegisterCommands(app, json);
     wn::AddLoggingCommands(app, json);
     wn::AddDirectoryCommands(app, json);
     wn::AddPortMapCommands(app, json);
+    wn::AddConfigCommand(app, json);
     for (int i = 1; i < argc; ++i) {
         if (wncom::components::IsUtf8(argv[i])) continue;
         PrintError("Argument " + std::to_string(i) + " is not UTF-8 text");

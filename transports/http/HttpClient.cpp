@@ -128,7 +128,8 @@ std::string HttpClient::Send(const Call& call) const {
 
     if (status < 200 || status > 299) {
         std::string message = what + ": status " + std::to_string(status);
-        if (sentence) message += ", " + OneLine(answer.body);
+        // The agent hands on no reason of a refused write, so the log must have it.
+        if (sentence || document) message += ", " + OneLine(answer.body);
         throw Refusal(message, sentence || document ? std::move(answer.body) : std::string());
     }
     if (!rightType) {

@@ -1,21 +1,16 @@
 // A submission through agent, bridge and factory with a transport library that answers at once, beside a bare HTTP
 // POST of the same ticket to wndevice on loopback.
 #include <curl/curl.h>
-#include <windows.h>
-
-#include <ole2.h>
-
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "bench/Bench.h"
+#include "bench/road/Road.h"
 #include "tests/support/Com.h"
 #include "tests/support/DeviceProcess.h"
 #include "tests/support/TestHome.h"
-#include "wncom/Descriptions.h"
-#include "wncom/wnCOM.h"
 
 namespace wncom::bench {
 namespace {
@@ -24,43 +19,12 @@ using namespace wncom::test;
 
 constexpr std::size_t kPairs = 41;
 constexpr std::size_t kSubmissions = 50;  // in a slice
-constexpr const char* kLoggingKey = "SOFTWARE\\Quillbeck\\QBNorvel\\Logging";
-constexpr const char* kAddress = "http://127.0.0.1/service";
+constexpr double kAim = 4;                // a quarter of the POST
 
-// A home in which the road needs no service, and an agent on it.
-class Road {
-public:
-    explicit Road(const std::string& logging)
-        : m_library(ProgramFolder() + "/wnCOM.dll"), m_components(ProgramFolder() + "/wnComponents.dll") {
-        Require(SUCCEEDED(m_library.Call("DllRegisterServer")), "wnCOM.dll cannot be registered");
-        Require(SUCCEEDED(m_components.Call("DllRegisterServer")), "wnComponents.dll cannot be registered");
-        WriteWholeFile(HomePath() + "/Transports.xml",
-                       "<t><networkmapping>bench</networkmapping><path>.</path><transportdlls><jobcontrol><dll>"
-                       "<type>bench</type><name>BenchTransport.dll</name></dll></jobcontrol></transportdlls></t>");
-        WriteWholeFile(HomePath() + "/windows/portmap.xml",
-                       std::string("<portmap><device name=\"bench\"><service name=\"jobs\" address=\"") + kAddress +
-                           "\" transport=\"network\"/></device></portmap>");
-        SetRegistryValue(kLoggingKey, "pathtotransportsxml", HomePath() + "/");
-        SetRegistryValue(kLoggingKey, "builddllpath", ProgramFolder() + "/");
-        SetRegistryValue(kLoggingKey, nullptr, logging);
-        const auto service = Create<IServiceDesc>(kProgIdServiceDesc);
-        service->SetID(Text("bench").get());
-        service->SetAddress(Text(kAddress).get());
-        const auto parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
-        Require(SUCCEEDED(parent->CreateWendrel(service.get(), m_agent.put())), "no agent");
-    }
-
-    void Submit(const Bstr& ticket) {
-        CPComPtr<IUnknown> answer;
-        Require(m_agent->SendIntentTicket(ticket.get(), answer.put()) == S_OK, "a submission failed");
-    }
-
-private:
-    LoadedModule m_library;
-    LoadedModule m_components;
-    Apartment m_apartment;
-    CPComPtr<IWendrel> m_agent;
-};
+void Submit(const Road& road, const Bstr& ticket) {
+    CPComPtr<IUnknown> answer;
+    Require(road.agent().SendIntentTicket(ticket.get(), answer.put()) == S_OK, "a submission failed");
+}
 
 std::size_t Ignore(char*, std::size_t size, std::size_t count, void*) { return size * count; }
 std::size_t Keep(char* bytes, std::size_t size, std::size_t count, void* text) {
@@ -121,15 +85,17 @@ void Submission(benchmark::State& state, std::size_t bytes, const std::string& l
     const Bstr wideTicket = Text(ticket);
     const DeviceProcess device({"--quiet"});
     BarePost post(device.Address());
-    Road road(logging);
-    Report(state, ComparePairs(
-                      kPairs, kSubmissions,
-                      [&] {
-                          for (std::size_t i = 0; i < kSubmissions; ++i) road.Submit(wideTicket);
-                      },
-                      [&] {
-                          for (std::size_t i = 0; i < kSubmissions; ++i) post.Post(ticket);
-                      }));
+    const Road road(logging);
+    Report(state,
+           ComparePairs(
+               kPairs, kSubmissions,
+               [&] {
+                   for (std::size_t i = 0; i < kSubmissions; ++i) Submit(road, wideTicket);
+               },
+               [&] {
+                   for (std::size_t i = 0; i < kSubmissions; ++i) post.Post(ticket);
+               }),
+           kAim);
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 // One cache for several processes, some of which are killed.
 #include <signal.h>
-#include <sys/wait.h>
 
 #include <filesystem>
 
 #include "tests/components/CacheFixture.h"
+#include "tests/support/ForkedProcess.h"
 
 namespace wncom::test {
 namespace {

@@ -9,12 +9,12 @@
 
 #include "platform/include/wnplatform/inspect.h"
 #include "tests/common/LogFixture.h"
+#include "tests/support/MatchesPattern.h"
 
 namespace wncom::test {
 namespace {
 
 using testing::Each;
-using testing::MatchesRegex;
 
 class LoggingProcesses : public LogTest {
 protected:
@@ -79,7 +79,7 @@ TEST_F(LoggingProcesses, LeaveWholeLinesWhenOneIsKilled) {
         EndLogging();
         EXPECT_EQ("CWendrel::survivor", Messages().back());
     }
-    EXPECT_THAT(Messages(), Each(MatchesRegex("CWendrel::(killed|survivor)")));
+    EXPECT_THAT(Messages(), Each(MatchesPattern("CWendrel::(killed|survivor)")));
 }
 
 TEST_F(LoggingProcesses, TakeOverTheMutexOfOneThatDiedWithIt) {

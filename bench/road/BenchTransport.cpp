@@ -1,4 +1,6 @@
-// A transport library that answers at once: what a submission costs without a service.
+// A transport library that answers at once: what an operation costs without a service.
+#include <string>
+
 #include "wncom/RemoteArray.h"
 #include "wncom/RmtJobControl.h"
 
@@ -10,6 +12,12 @@ using wncom::CString;
 constexpr const char* kResponse =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?><response><PostURI>http://127.0.0.1/data/1</PostURI>"
     "<JobUri>http://127.0.0.1/jobs/1</JobUri></response>";
+
+// 1 MB, made once.
+const CString& Document() {
+    static const CString document("<xdm>" + std::string((1U << 20) - 11, 'd') + "</xdm>");
+    return document;
+}
 
 class BenchJobControl final : public wncom::RmtJobControl {
 public:
@@ -26,7 +34,7 @@ public:
     wncom::RemoteArray* GetSupportedEvents() override { return nullptr; }
     wncom::RemoteArray* GetEventProperties(CString) override { return nullptr; }
     void Initialize(CString, CPComPtr<IUnknown>) override {}
-    CString GetData(CString, CString, BSTR*, int) override { return {}; }
+    CString GetData(CString, CString, BSTR*, int) override { return Document(); }
     bool SetData(CString, bool, WCHAR**, int) override { return false; }
     CString GetEventCapabilities(BSTR*) override { return {}; }
     CString SubscribeForEvents(CString, BSTR*) override { return {}; }

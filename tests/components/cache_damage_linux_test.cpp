@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "tests/components/CacheFixture.h"
+#include "tests/support/ForkedProcess.h"
 
 namespace wncom::test {
 namespace {

@@ -1,0 +1,10 @@
+# The libraries around the product, from the host's packages.
+find_package(CURL REQUIRED)
+find_package(pugixml REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(Threads REQUIRED)
+if(WNCOM_TESTS)
+    find_package(GTest REQUIRED)
+endif()

@@ -1,0 +1,33 @@
+# The libraries around the product, for Windows: Debian has them as sources (scripts/windows-sources unpacks those of
+# pugixml and SQLite) or as headers that serve every host.
+set(WNCOM_WINDOWS_SOURCES ${CMAKE_SOURCE_DIR}/build/windows-sources CACHE PATH "pugixml and sqlite, unpacked")
+if(NOT EXISTS ${WNCOM_WINDOWS_SOURCES}/pugixml/pugixml.cpp OR NOT EXISTS ${WNCOM_WINDOWS_SOURCES}/sqlite/sqlite3.c)
+    message(FATAL_ERROR "No sources of pugixml and SQLite in ${WNCOM_WINDOWS_SOURCES}: run scripts/windows-sources")
+endif()
+
+add_library(wncom_pugixml STATIC ${WNCOM_WINDOWS_SOURCES}/pugixml/pugixml.cpp)
+target_include_directories(wncom_pugixml SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/pugixml)
+add_library(pugixml::pugixml ALIAS wncom_pugixml)
+
+add_library(wncom_sqlite STATIC ${WNCOM_WINDOWS_SOURCES}/sqlite/sqlite3.c)
+target_include_directories(wncom_sqlite SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/sqlite)
+target_compile_definitions(wncom_sqlite PRIVATE SQLITE_OMIT_LOAD_EXTENSION)
+add_library(SQLite::SQLite3 ALIAS wncom_sqlite)
+
+# Headers of the host, without the host's other headers.
+foreach(library CLI nlohmann)
+    if(NOT EXISTS /usr/include/${library})
+        message(FATAL_ERROR "No headers in /usr/include/${library}")
+    endif()
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/windows/include)
+    file(CREATE_LINK /usr/include/${library} ${CMAKE_BINARY_DIR}/windows/include/${library} SYMBOLIC)
+endforeach()
+add_library(wncom_header_libraries INTERFACE)
+target_include_directories(wncom_header_libraries SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/windows/include)
+add_library(CLI11::CLI11 ALIAS wncom_header_libraries)
+add_library(nlohmann_json::nlohmann_json ALIAS wncom_header_libraries)
+
+if(WNCOM_TESTS)
+    set(INSTALL_GTEST OFF CACHE BOOL "")
+    add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+endif()

@@ -1,0 +1,4 @@
+# 64-bit Windows, cross-built with mingw. The compilers with POSIX threads are the ones whose <thread> and <mutex> work.
+set(WNCOM_TRIPLE x86_64-w64-mingw32)
+set(CMAKE_SYSTEM_PROCESSOR AMD64)
+include(${CMAKE_CURRENT_LIST_DIR}/windows.cmake)

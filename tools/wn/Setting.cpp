@@ -1,0 +1,126 @@
+#include "tools/wn/Setting.h"
+
+#include <cstdlib>
+
+#include "tools/wn/CacheLifetime.h"
+#include "tools/wn/Paths.h"
+#include "tools/wn/RegistryKey.h"
+#include "tools/wn/Texts.h"
+#include "transports/http/Settings.h"
+#include "wncom/Descriptions.h"
+#include "wncom/PortMap.h"
+#include "wncom/XMLCacheMgr.h"
+#include "wncom/XMLSimpleAccessor.h"
+#include "wncom/wnCOM.h"
+
+namespace wn {
+namespace {
+
+// A text of the registry; without it, or with an empty one, what stands instead.
+Setting TextSetting(const std::string& name, const std::string& label, const RegistryKey& key, const char* value,
+                    const std::string& otherwise) {
+    const std::string place = RegistryPlace(key.path(), value);
+    const std::string text = key.Read(value).value_or("");
+    if (!text.empty()) return {name, label, text, text, Setting::From::Registry, place};
+    if (!otherwise.empty()) return {name, label, otherwise, otherwise, Setting::From::Default, place};
+    return {name, label, nullptr, "not configured", Setting::From::Nowhere, place};
+}
+
+Setting NumberSetting(const char* name, const char* label, const char* value, DWORD inForce, const char* unit) {
+    // A value that the transport does not take leaves its default.
+    const bool configured = kHttpTransportKey.ReadNumber(value) == inForce;
+    return {name,
+            label,
+            inForce,
+            std::to_string(inForce) + " " + unit,
+            configured ? Setting::From::Registry : Setting::From::Default,
+            RegistryPlace(kHttpTransportKey.path(), value)};
+}
+
+Setting LifetimeSetting() {
+    const CacheDays lifetime = CacheLifetime();
+    const std::string days = std::to_string(lifetime.days) + (lifetime.days == 1 ? " day" : " days");
+    return {"capabilitiesLifetime",
+            "tickets are kept",
+            lifetime.days,
+            lifetime.days == 0 ? "0 days: the cache is off" : days,
+            lifetime.configured ? Setting::From::IniFile : Setting::From::Default,
+            InWindowsDirectory(kIniFile) + ", section " + kIniSection + ", key " + kIniKey};
+}
+
+// Which module serves a class.
+Setting ModuleSetting(const OLECHAR* progId) {
+    const std::string classes = "SOFTWARE\\Classes\\";
+    const std::string label = ToUtf8(progId);
+    const std::string name = "class:" + label;
+    const RegistryKey program(classes + label + "\\CLSID");
+    const std::optional<std::string> clsid = program.Read("");
+    if (!clsid)
+        return {name, label, nullptr, "not registered", Setting::From::Nowhere, RegistryPlace(program.path(), "")};
+    return TextSetting(name, label, RegistryKey(classes + "CLSID\\" + *clsid + "\\InprocServer32"), "", "");
+}
+
+}  // namespace
+
+std::string RegistryPlace(const std::string& path, const std::string& name) {
+    return "HKEY_LOCAL_MACHINE\\" + path + ", " + (name.empty() ? "the default value" : "value " + name);
+}
+
+Setting VariableSetting(const char* name, const char* label, const char* variable, const std::string& none) {
+    const char* const value = std::getenv(variable);
+    const std::string place = std::string("variable ") + variable;
+    if (!value || !*value) return {name, label, nullptr, none, Setting::From::Default, place};
+    return {name, label, value, value, Setting::From::Environment, place};
+}
+
+void AddTransportSettings(Settings& settings) {
+    settings.push_back(TextSetting("catalogue", "catalogue", kLoggingKey, "pathtotransportsxml", ""));
+    settings.push_back(TextSetting("libraries", "libraries", kLoggingKey, "builddllpath", ""));
+    const wncom::http::Settings http = wncom::http::ReadSettings();
+    settings.push_back(
+        NumberSetting("connectTimeout", "connect timeout", "connecttimeout", http.connectTimeout, "ms"));
+    settings.push_back(NumberSetting("callTimeout", "call timeout", "calltimeout", http.callTimeout, "ms"));
+    settings.push_back(NumberSetting("answerLimit", "answer limit", "answerlimit", http.answerLimit, "KB"));
+}
+
+void AddLoggingSettings(Settings& settings) {
+    // A component takes its own value, else the default one; the value beside the key counts where there is no key.
+    const bool key = kLoggingKey.Exists();
+    const RegistryKey& common = key ? kLoggingKey : kProductKey;
+    const std::string commonValue = key ? "" : "Logging";
+    for (const char* component : {"CWendrel", "CWendrelParent", "JobControlFactory", "wnHttpTransport"}) {
+        const std::optional<std::string> own = key ? kLoggingKey.Read(component) : std::nullopt;
+        const std::optional<std::string> text = own ? own : common.Read(commonValue);
+        const std::string name = std::string("log:") + component;
+        const std::string label = std::string("log of ") + component;
+        const std::string place =
+            own ? RegistryPlace(kLoggingKey.path(), component) : RegistryPlace(common.path(), commonValue);
+        if (text) {
+            settings.push_back({name, label, *text, text->empty() ? "off" : *text, Setting::From::Registry, place});
+        } else {
+            settings.push_back({name, label, nullptr, "off", Setting::From::Nowhere, place});
+        }
+    }
+}
+
+void AddComponentSettings(Settings& settings) {
+    settings.push_back(
+        TextSetting("portMap", "port map", kPortMapKey, "portmapfile", InWindowsDirectory("portmap.xml")));
+    settings.push_back(
+        TextSetting("cacheDatabase", "cache database", kCacheKey, "cachefile", InWindowsDirectory("xmlcache.db")));
+    settings.push_back(LifetimeSetting());
+    settings.push_back(VariableSetting("workflowId", "workflow id", "WF_DESTINATION", "none"));
+    const std::vector<std::string> forced = kForceKey.Names();
+    std::string names;
+    for (const std::string& name : forced) names += (names.empty() ? "" : ", ") + name;
+    settings.push_back({"outOfProcess", "out of process", forced, names.empty() ? "no component" : names,
+                        names.empty() ? Setting::From::Default : Setting::From::Registry,
+                        "HKEY_LOCAL_MACHINE\\" + kForceKey.path()});
+    for (const OLECHAR* progId :
+         {wncom::kProgIdWendrelParent, wncom::kProgIdWendrel, wncom::kProgIdServiceDesc, wncom::kProgIdTransportDesc,
+          wncom::kProgIdXMLSimpleAccessor, wncom::kProgIdXMLCacheMgr, wncom::kProgIdPortMap}) {
+        settings.push_back(ModuleSetting(progId));
+    }
+}
+
+}  // namespace wn
