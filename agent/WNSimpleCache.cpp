@@ -25,8 +25,10 @@ class CacheKey {
 public:
     explicit CacheKey(BSTR identifier) {
         m_text.Assign(identifier ? identifier : OLESTR(""), false);
-        m_text.Append(OLESTR("-capTicket"));
+        // The suffix alone is a key too: that of tickets without an identifier.
+        if (m_text.Text()) m_text.Append(OLESTR("-capTicket"));
     }
+    // Null when memory ran out.
     const WCHAR* get() { return m_text.GetBuffer(); }
 
 private:
@@ -56,7 +58,7 @@ bool _WNSimpleCache::ToCache(BSTR identifier, UINT days, const WCHAR* ticket) {
     CacheKey key(identifier);
     const Bstr text(ticket);
     HRESULT status = E_FAIL;
-    if (text) {
+    if (text && key.get()) {
         Log(3, "WNSimpleCache::ToCache attempting to cache %lu bytes of XML as %S for %u days\n", text.length(),
             key.get(), days);
         status =
@@ -78,7 +80,8 @@ MallocText<WCHAR> _WNSimpleCache::FromCache(BSTR identifier) {
     CacheKey key(identifier);
     Log(3, "WNSimpleCache::FromCache attempting to retrieve XML as %S\n", key.get());
     Bstr ticket;
-    const HRESULT status = Guarded([&] { return m_manager->FetchXML(key.get(), kCacheFlags, ticket.put()); });
+    const HRESULT status = Guarded(
+        [&] { return key.get() ? m_manager->FetchXML(key.get(), kCacheFlags, ticket.put()) : E_OUTOFMEMORY; });
     if (FAILED(status) || !ticket) {
         Log(2, "WNSimpleCache::FromCache failed %lx\n", status);
         return nullptr;
@@ -95,7 +98,7 @@ int _WNSimpleCache::RemoveFromCache(BSTR identifier) {
     }
     CacheKey key(identifier);
     Log(3, "WNSimpleCache::RemoveFromCache attempting to delete %S from cache\n", key.get());
-    const HRESULT status = Guarded([&] { return m_manager->RemoveXML(key.get()); });
+    const HRESULT status = Guarded([&] { return key.get() ? m_manager->RemoveXML(key.get()) : E_OUTOFMEMORY; });
     if (FAILED(status)) {
         Log(2, "WNSimpleCache::RemoveFromCache failed %lx\n", status);
         return 2;

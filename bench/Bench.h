@@ -6,10 +6,10 @@
 
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "bench/PairedRatio.h"
+#include "bench/Require.h"
 
 namespace wncom::bench {
 
@@ -24,10 +24,5 @@ void Report(benchmark::State& state, const PairedResult& result, std::optional<d
 // A main: makes the home, runs what is registered and the command line selects, and removes the home. Returns the
 // exit code.
 int Run(int argc, char** argv);
-
-// Throws std::runtime_error with the text when a benchmark cannot go on.
-inline void Require(bool held, const std::string& what) {
-    if (!held) throw std::runtime_error(what);
-}
 
 }  // namespace wncom::bench

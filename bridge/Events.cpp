@@ -51,7 +51,7 @@ LONG OrbStuff::GetSupportedEvents(PCharArray* list) noexcept {
         const std::unique_ptr<RemoteArray> names(Remote().GetSupportedEvents());
         Log(3, "OrbStuff::About to display rArray contents\n");
         if (!names) throw std::logic_error("no list");
-        if (names->GetElements()) static_cast<const ORBBase&>(*names).Init();
+        static_cast<const ORBBase&>(*names).Init();
         count = RemoteArrayPtrToPCharArray(names.get(), list);
     });
     return count;

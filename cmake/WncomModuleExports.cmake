@@ -16,6 +16,7 @@ function(wncom_module_exports name)
         target_sources(${name} PRIVATE ${def})
         # The entry points are declared with the system's calling convention; the definition file names them bare.
         target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup)
+        target_sources(${name} PRIVATE ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/windows/module_end.cpp)
         return()
     endif()
 

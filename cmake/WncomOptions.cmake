@@ -38,9 +38,16 @@ if(WNCOM_SANITIZE)
 endif()
 
 add_library(wncom_headers INTERFACE)
-target_include_directories(wncom_headers INTERFACE ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+target_include_directories(
+    wncom_headers
+    INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include> $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>
+)
+target_compile_features(wncom_headers INTERFACE cxx_std_20)
 if(WIN32)
     target_link_libraries(wncom_headers INTERFACE ole32 oleaut32 uuid advapi32)
 else()
     target_link_libraries(wncom_headers INTERFACE wnplatform)
 endif()
+# Under the names that the installed package has, for samples that build with either.
+set_target_properties(wncom_headers PROPERTIES EXPORT_NAME sdk)
+add_library(wnCOM::sdk ALIAS wncom_headers)

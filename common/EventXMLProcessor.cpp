@@ -28,13 +28,13 @@ HRESULT Load(Accessor& accessor, BSTR document) noexcept {
 
 HRESULT SetDelimiter(const Accessor& accessor) noexcept {
     const Bstr delimiter(OLESTR(";"));
-    return Guarded([&] { return accessor->SetDelimiter(delimiter.get()); });
+    return Guarded([&] { return delimiter ? accessor->SetDelimiter(delimiter.get()) : E_OUTOFMEMORY; });
 }
 
 // An unanswered query is no failure; it leaves the answer empty.
 HRESULT Ask(const Accessor& accessor, const OLECHAR* query, CPBstrBuffer& answer) noexcept {
     const Bstr text(query);
-    return Guarded([&] { return accessor->GetXML(text.get(), 0, answer.put()); });
+    return Guarded([&] { return text ? accessor->GetXML(text.get(), 0, answer.put()) : E_OUTOFMEMORY; });
 }
 
 // The next piece between delimiters that is not empty, cut off in place; null at the end.

@@ -11,4 +11,6 @@ add_library(
     LoggingDestination.cpp
     TraceScope.cpp
 )
-target_link_libraries(wncom_logging PRIVATE wncom_options PUBLIC wncom_headers)
+target_link_libraries(wncom_logging PRIVATE $<BUILD_INTERFACE:wncom_options> PUBLIC wncom_headers)
+set_target_properties(wncom_logging PROPERTIES EXPORT_NAME logging)
+add_library(wnCOM::logging ALIAS wncom_logging)

@@ -6,6 +6,7 @@
 #include "components/PortMap.h"
 #include "components/PortMapContent.h"
 #include "components/PortMapList.h"
+#include "components/ScriptAccess.h"
 #include "components/ServiceDesc.h"
 #include "components/TransportDesc.h"
 #include "components/XMLCacheMgr.h"
@@ -32,6 +33,8 @@ constexpr ServedClass kClasses[] = {
      CreateObject<ServiceDesc>},
     {CLSID_TransportDesc, "TransportDesc Class", "QBNORVEL.TransportDesc.1", "QBNORVEL.TransportDesc",
      CreateObject<TransportDesc>},
+    {CLSID_ScriptAccess, "ScriptAccess Class", "QBNORVEL.ScriptAccess.1", "QBNORVEL.ScriptAccess",
+     CreateObject<ScriptAccess>},
 };
 
 }  // namespace

@@ -24,7 +24,8 @@ install_packages() {
         sudo=(sudo)
     fi
     say "Installing: ${missing[*]}"
-    quietly "${sudo[@]}" apt-get update
+    # A list that cannot be had is no obstacle while the packages are in the others; what is missing shows below.
+    "${sudo[@]}" apt-get update >/dev/null 2>&1 || say "Not every package list could be updated."
     quietly "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
@@ -49,4 +50,11 @@ build() {
     say "Building ($preset)"
     quietly cmake --preset "$preset"
     quietly cmake --build --preset "$preset" --parallel "$(jobs)" ${@:+--target "$@"}
+}
+
+# Packs a finished build, and sets package to the file's path.
+make_package() {
+    rm -rf "build/$1/packages"
+    quietly cpack --config "build/$1/CPackConfig.cmake"
+    package=$(find "$PWD/build/$1/packages" -maxdepth 1 -type f)
 }

@@ -92,28 +92,25 @@ wine_loader() {
     printf '%s/wine64' "$wine_folder"
 }
 
-# Makes the given number of prefixes, PREFIX-1 and so on in build/wine: throwaway Windows machines. The first is made by
-# Wine, the others are its copies; their registries are their own.
-make_wine_prefixes() {
-    local count=$1 first=$wine_state/prefix-1 i
-    mkdir -p "$wine_state"
-    if [[ ! -f $first/ready ]]; then
+# A throwaway Windows machine of that name in build/wine. The first one is made by Wine, the others are its copies; their
+# registries are their own.
+make_wine_prefix() {
+    local prefix=$wine_state/$1 template=$wine_state/template
+    if [[ ! -f $template/ready ]]; then
         say "Making a Wine prefix"
-        rm -rf "$first"
-        mkdir -p "$first"
-        WINEPREFIX=$first WINEARCH=win64 "$wine_folder/wine64" wineboot -i >"$wine_state/boot.log" 2>&1 </dev/null ||
+        rm -rf "$template"
+        mkdir -p "$template"
+        WINEPREFIX=$template WINEARCH=win64 "$wine_folder/wine64" wineboot -i >"$wine_state/boot.log" 2>&1 </dev/null ||
             fail "wineboot failed: $(tail -n 5 "$wine_state/boot.log")"
-        WINEPREFIX=$first "$wine_folder/wineserver" -w
-        touch "$first/ready"
+        WINEPREFIX=$template "$wine_folder/wineserver" -w
+        touch "$template/ready"
     fi
-    for ((i = 2; i <= count; i++)); do
-        [[ -f $wine_state/prefix-$i/ready ]] && continue
-        rm -rf "$wine_state/prefix-$i"
-        cp -al "$first" "$wine_state/prefix-$i"
-        # What Wine rewrites must not be shared.
-        rm "$wine_state/prefix-$i"/*.reg
-        cp "$first"/*.reg "$wine_state/prefix-$i/"
-    done
+    [[ -f $prefix/ready ]] && return
+    rm -rf "$prefix"
+    cp -al "$template" "$prefix"
+    # What Wine rewrites must not be shared.
+    rm "$prefix"/*.reg
+    cp "$template"/*.reg "$prefix/"
 }
 
 # The servers of the prefixes are kept while tests run: a start then takes a tenth of the time.

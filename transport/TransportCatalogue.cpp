@@ -34,12 +34,11 @@ HRESULT GetXML(IXMLSimpleAccessor& accessor, const OLECHAR* query, LONG flag, CP
 bool NothingFound(HRESULT status) { return FAILED(status) || status == S_FALSE; }
 
 // The query for one part of the index-th dll element, counted from 1.
-CPBstrBuffer DllQuery(int index, const OLECHAR* part) {
-    CPBstrBuffer query(kDllQuery);
-    query.Append(std::to_string(index).c_str());
-    query.Append(OLESTR("]/"));
-    query.Append(part);
-    return query;
+std::basic_string<WCHAR> DllQuery(int index, const OLECHAR* part) {
+    const std::string number = std::to_string(index);
+    std::basic_string<WCHAR> query(kDllQuery);
+    query.append(number.begin(), number.end());
+    return query.append(OLESTR("]/")).append(part);
 }
 
 // A text that the accessor gave without any storage is an empty one.
@@ -52,7 +51,10 @@ std::basic_string<WCHAR> String(const CPBstrBuffer& text) {
 CPComPtr<IXMLSimpleAccessor> JobControlFactory::GetAccessor() {
     Log(3, "Entering JobControlFactory::GetAccessor()");
     try {
-        m_WorkingDir.Assign(GetPathToTransportsXMLFromRegistry().Text());
+        const CPHeapBuffer folder = GetPathToTransportsXMLFromRegistry();
+        m_WorkingDir.Assign(folder.Text());
+        // Without its folder the file would be looked for elsewhere.
+        if (m_WorkingDir.Length() != folder.Length()) throw std::bad_alloc();
     } catch (const CPException& exception) {
         Log(2, "JobControlFactory::GetAccessor() got exception from GetPathTo....(): %s", exception.what());
         throw CPException("JobControlFactory::GetAccessor() got exception from GetPathTo....()", E_FAIL);
@@ -83,7 +85,7 @@ void JobControlFactory::LoadTransportInfo(CPComPtr<IXMLSimpleAccessor> accessor)
     constexpr const char* kFailure = "JobControlFactory::LoadTransportInfo(), error code:%d see log messages";
     Log(3, "Entering JobControlFactory::LoadTransportInfo()");
     const Bstr delimiter(OLESTR(";"));
-    if (const HRESULT status = accessor->SetDelimiter(delimiter.get()); FAILED(status)) {
+    if (const HRESULT status = delimiter ? accessor->SetDelimiter(delimiter.get()) : E_OUTOFMEMORY; FAILED(status)) {
         Log(2, "JobControlFactory::LoadTransportInfo(), unable to set delimiter");
         FailWith(kFailure, status);
     }
@@ -124,20 +126,20 @@ HRESULT JobControlFactory::LoadDlls(IXMLSimpleAccessor& accessor) {
     CPBstrBuffer type;
     CPBstrBuffer name;
     for (int index = 1;; ++index) {
-        const CPBstrBuffer typeQuery = DllQuery(index, OLESTR("type"));
-        const CPBstrBuffer nameQuery = DllQuery(index, OLESTR("name"));
+        const std::basic_string<WCHAR> typeQuery = DllQuery(index, OLESTR("type"));
+        const std::basic_string<WCHAR> nameQuery = DllQuery(index, OLESTR("name"));
         Log(4, "JobControlFactory::LoadTransportInfo(), getIndex is now: %d", index);
-        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathTypeTrack: %S", typeQuery.Text());
-        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathNameTrack: %S", nameQuery.Text());
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathTypeTrack: %S", typeQuery.c_str());
+        Log(4, "JobControlFactory::LoadTransportInfo(), CPPathNameTrack: %S", nameQuery.c_str());
 
         // The list ends where no further type is found.
-        if (NothingFound(GetXML(accessor, typeQuery.Text(), kAllMatches, type))) {
+        if (NothingFound(GetXML(accessor, typeQuery.c_str(), kAllMatches, type))) {
             Log(2, "JobControlFactory::LoadTransportInfo(), GetXML on type failed");
             return S_OK;
         }
         Log(4, "JobControlFactory::LoadTransportInfo(), CPResultType: %S", type.Text());
 
-        if (const HRESULT status = GetXML(accessor, nameQuery.Text(), kAllMatches, name); NothingFound(status)) {
+        if (const HRESULT status = GetXML(accessor, nameQuery.c_str(), kAllMatches, name); NothingFound(status)) {
             Log(4, "JobControlFactory::LoadTransportInfo(), XML name get failed");
             return status;
         }

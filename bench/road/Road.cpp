@@ -1,6 +1,6 @@
 #include "bench/road/Road.h"
 
-#include "bench/Bench.h"
+#include "bench/Require.h"
 #include "tests/support/TestHome.h"
 #include "wncom/Descriptions.h"
 
@@ -10,6 +10,7 @@ namespace {
 using namespace wncom::test;
 
 constexpr const char* kLoggingKey = "SOFTWARE\\Quillbeck\\QBNorvel\\Logging";
+constexpr const char* kPortMapKey = "SOFTWARE\\Quillbeck\\QBNorvel\\PortMap";
 constexpr const char* kAddress = "http://127.0.0.1/service";
 
 }  // namespace
@@ -21,17 +22,24 @@ Road::Road(const std::string& logging)
     WriteWholeFile(HomePath() + "/Transports.xml",
                    "<t><networkmapping>bench</networkmapping><path>.</path><transportdlls><jobcontrol><dll>"
                    "<type>bench</type><name>BenchTransport.dll</name></dll></jobcontrol></transportdlls></t>");
-    WriteWholeFile(HomePath() + "/windows/portmap.xml",
+    WriteWholeFile(HomePath() + "/portmap.xml",
                    std::string("<portmap><device name=\"bench\"><service name=\"jobs\" address=\"") + kAddress +
                        "\" transport=\"network\"/></device></portmap>");
     SetRegistryValue(kLoggingKey, "pathtotransportsxml", HomePath() + "/");
     SetRegistryValue(kLoggingKey, "builddllpath", ProgramFolder() + "/");
+    SetRegistryValue(kPortMapKey, "portmapfile", HomePath() + "/portmap.xml");
     SetRegistryValue(kLoggingKey, nullptr, logging);
+    m_agent = MakeAgent();
+}
+
+CPComPtr<IWendrel> Road::MakeAgent() {
     const auto service = Create<IServiceDesc>(kProgIdServiceDesc);
     service->SetID(Text(kServiceId).get());
     service->SetAddress(Text(kAddress).get());
     const auto parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
-    Require(SUCCEEDED(parent->CreateWendrel(service.get(), m_agent.put())), "no agent");
+    CPComPtr<IWendrel> agent;
+    Require(SUCCEEDED(parent->CreateWendrel(service.get(), agent.put())), "no agent");
+    return agent;
 }
 
 }  // namespace wncom::bench

@@ -18,6 +18,8 @@ public:
     explicit Road(const std::string& logging);
 
     IWendrel& agent() const { return *m_agent.get(); }
+    // One more agent, with a parent and a service description of its own.
+    static CPComPtr<IWendrel> MakeAgent();
     // Another interface of the agent.
     template <class Interface>
     CPComPtr<Interface> As() const {

@@ -13,7 +13,8 @@ class ORBBase {
 public:
     // Logs the elements; called by the bridge when it receives a list.
     void Init() const noexcept {
-        for (LONG i = 0; i < m_length; ++i) WNCOM_LOG(4, "ORBBase::Init() list element is %s", m_elements[i]);
+        for (LONG i = 0; m_elements && i < m_length; ++i)
+            WNCOM_LOG(4, "ORBBase::Init() list element is %s", m_elements[i]);
     }
 
 protected:
@@ -29,13 +30,14 @@ public:
     RemoteArray& operator=(const RemoteArray&) = delete;
     ~RemoteArray() { delete[] m_elements; }
 
-    // Takes over an array made with new[] and its count. Called once, by the transport library: its logging state
-    // is that library's own.
+    // Takes over an array made with new[] and its count; null holds nothing, whatever the count. Called once, by the
+    // transport library: its logging state is that library's own.
     void Init(CString* elements, LONG length) noexcept {
         Log(3, "Entering RemoteArray::Init()");
         m_elements = elements;
         m_length = length;
-        for (LONG i = 0; i < length; ++i) WNCOM_LOG(4, "RemoteArray::Init() list element is %s", m_elements[i]);
+        for (LONG i = 0; elements && i < length; ++i)
+            WNCOM_LOG(4, "RemoteArray::Init() list element is %s", m_elements[i]);
         Log(3, "Exiting RemoteArray::Init()");
     }
     LONG GetLength() const noexcept { return m_length; }

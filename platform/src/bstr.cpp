@@ -50,9 +50,7 @@ long LiveTexts() noexcept { return g_live.load(std::memory_order_relaxed); }
 
 }  // namespace wnplatform
 
-BSTR SysAllocString(const OLECHAR* text) {
-    return text ? Copy(text, wcslen(text) * sizeof(OLECHAR)) : nullptr;
-}
+BSTR SysAllocString(const OLECHAR* text) { return text ? Copy(text, wcslen(text) * sizeof(OLECHAR)) : nullptr; }
 
 BSTR SysAllocStringLen(const OLECHAR* text, UINT units) { return Copy(text, std::size_t{units} * sizeof(OLECHAR)); }
 

@@ -1,6 +1,7 @@
 #include "registry_keys.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace wnplatform {
 namespace {
@@ -17,6 +18,19 @@ template <class Values>
 auto FindValue(Values& values, std::string_view name) noexcept {
     return std::find_if(values.begin(), values.end(),
                         [name](const RegistryValue& value) { return CompareNames(value.name, name) == 0; });
+}
+
+// Into a key without children, whose parent stays.
+void Copy(const RegistryKey& from, RegistryKey& to) {
+    to.name = from.name;
+    to.values = from.values;
+    to.comments = from.comments;
+    for (const auto& [name, child] : from.children) {
+        auto made = std::make_unique<RegistryKey>();
+        made->parent = &to;
+        Copy(*child, *made);
+        to.children.emplace_hint(to.children.end(), name, std::move(made));
+    }
 }
 
 }  // namespace
@@ -79,5 +93,13 @@ RegistryTree::RegistryTree()
     : machine(&top.Make("HKEY_LOCAL_MACHINE")),
       user(&top.Make("HKEY_CURRENT_USER")),
       classes(&machine->Make("SOFTWARE\\Classes")) {}
+
+RegistryTree::RegistryTree(const RegistryTree& other)
+    : closingComments(other.closingComments), damaged(other.damaged) {
+    Copy(other.top, top);
+    machine = top.Descend(other.machine->Path());
+    user = top.Descend(other.user->Path());
+    classes = top.Descend(other.classes->Path());
+}
 
 }  // namespace wnplatform

@@ -45,6 +45,8 @@ struct RegistryKey {
 
 struct RegistryTree {
     RegistryTree();
+    RegistryTree(const RegistryTree& other);
+    RegistryTree& operator=(const RegistryTree&) = delete;
 
     RegistryKey top;  // its children are the roots
     RegistryKey* machine;

@@ -68,6 +68,7 @@ struct Contents {
     Descriptor file;
     bool byName = false;  // another file may take its place without a trace on this one
     std::optional<FileState> state;
+    std::string text;
     Tree tree;
 };
 using FreshContents = Contents<std::unique_ptr<RegistryTree>>;
@@ -92,11 +93,14 @@ public:
         while (flock(turn.Get(), LOCK_EX) != 0) {
             if (errno != EINTR) return StatusFromErrno();
         }
+        if (const LSTATUS status = Refresh(); status != ERROR_SUCCESS) return status;
+        if (m_current.tree->damaged) return ERROR_BADDB;
+        // A copy costs a fraction of reading the file again, and a registration makes hundreds of changes.
         FreshContents contents;
-        if (const LSTATUS status = Read(contents); status != ERROR_SUCCESS) return status;
-        if (contents.tree->damaged) return ERROR_BADDB;
+        contents.tree = std::make_unique<RegistryTree>(*m_current.tree);
         if (const LSTATUS status = change(*contents.tree); status != ERROR_SUCCESS) return status;
-        return Write(contents);
+        contents.text = FormatRegistry(*contents.tree);
+        return contents.text == m_current.text ? ERROR_SUCCESS : Write(contents);
     }
 
 private:
@@ -132,7 +136,7 @@ private:
         }
         // The state is taken first: whoever writes to the file while it is being read makes it a newer one.
         struct stat file;
-        std::string text;
+        std::string& text = contents.text;
         if (fstat(contents.file.Get(), &file) != 0 || !ReadAll(contents.file.Get(), text)) return StatusFromErrno();
         contents.state.emplace(file);
         contents.byName = !NameLeadsTo(*contents.state);
@@ -143,7 +147,7 @@ private:
     // The new file takes the old one's place in one step: whoever is killed before leaves the old one.
     LSTATUS Write(FreshContents& contents) {
         const std::string fresh = m_path + ".new";
-        const std::string text = FormatRegistry(*contents.tree);
+        const std::string& text = contents.text;
         contents.file = Descriptor(open(fresh.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
         struct stat written;
         if (!contents.file || WriteAll(contents.file.Get(), text.data(), text.size(), false) != text.size() ||
@@ -161,7 +165,8 @@ private:
     }
 
     void Adopt(FreshContents& contents) {
-        m_current = {std::move(contents.file), contents.byName, contents.state, std::move(contents.tree)};
+        m_current = {std::move(contents.file), contents.byName, contents.state, std::move(contents.text),
+                     std::move(contents.tree)};
         ++m_version;
     }
 

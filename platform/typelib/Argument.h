@@ -1,4 +1,4 @@
-// One argument on its way from a late-bound caller's variant to a method's parameter, and back.
+// One argument on its way from a late-bound caller's variant to a method's parameter.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,7 @@ public:
     // As it is passed in the call.
     std::uintptr_t Word() const noexcept { return m_word; }
 
-    // After the call: stores what the method wrote in the caller's variant, if it named one.
-    void HandBack() noexcept;
+    // After the call: hands over what the method returned.
     void MoveTo(VARIANT& destination) noexcept;
 
 private:
@@ -34,7 +33,6 @@ private:
     void PassValue() noexcept;
 
     VARIANT m_value;
-    VARIANT* m_handBack = nullptr;
     std::uintptr_t m_word = 0;
 };
 

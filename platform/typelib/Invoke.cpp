@@ -73,7 +73,7 @@ private:
 }  // namespace
 
 HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& params, VARIANT* result,
-                     UINT* argumentError) noexcept {
+                     EXCEPINFO* exception, UINT* argumentError) noexcept {
     if (result) VariantInit(result);
     Places places;
     HRESULT hr = places.Assign(method, params, argumentError);
@@ -95,10 +95,15 @@ HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& par
     }
 
     hr = CallSlot(instance, method.slot, words);
-    // A result is the last parameter.
-    if (result && SUCCEEDED(hr) && count > 0 && IsResult(method.parameters.back())) {
-        arguments[count - 1].MoveTo(*result);
+    if (FAILED(hr)) {
+        if (exception) {
+            *exception = EXCEPINFO{};
+            exception->scode = hr;
+        }
+        return DISP_E_EXCEPTION;
     }
+    // A result is the last parameter.
+    if (result && count > 0 && IsResult(method.parameters.back())) arguments[count - 1].MoveTo(*result);
     return hr;
 }
 

@@ -5,10 +5,11 @@
 
 namespace wnplatform::typelib {
 
-// Converts the arguments, calls, hands results back and answers the method's own status, or why it was not called:
-// DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND for a name, or the status of a conversion with the argument's place in
-// *argumentError. The result (null: not wanted) is overwritten, not cleared. What the method throws stays here.
+// Converts the arguments, calls, hands the result back and answers the method's own success; DISP_E_EXCEPTION for its
+// failure, which stands in exception->scode; or why it was not called: DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND for
+// a name, or the status of a conversion with the argument's place in *argumentError. The result (null: not wanted) is
+// overwritten, not cleared. What the method throws counts as a failure of its own.
 HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& params, VARIANT* result,
-                     UINT* argumentError) noexcept;
+                     EXCEPINFO* exception, UINT* argumentError) noexcept;
 
 }  // namespace wnplatform::typelib

@@ -190,12 +190,12 @@ HRESULT TypeInfo::GetIDsOfNames(LPOLESTR* names, UINT count, MEMBERID* ids) noex
     return hr;
 }
 
-HRESULT TypeInfo::Invoke(void* instance, MEMBERID member, WORD flags, DISPPARAMS* params, VARIANT* result, EXCEPINFO*,
-                         UINT* argumentError) noexcept {
+HRESULT TypeInfo::Invoke(void* instance, MEMBERID member, WORD flags, DISPPARAMS* params, VARIANT* result,
+                         EXCEPINFO* exception, UINT* argumentError) noexcept {
     if (!instance || !params) return E_INVALIDARG;
     const Method* method = Own() ? MemberToInvoke(*Own(), member, flags) : nullptr;
     if (!method) return DISP_E_MEMBERNOTFOUND;
-    return InvokeMethod(*method, instance, *params, result, argumentError);
+    return InvokeMethod(*method, instance, *params, result, exception, argumentError);
 }
 
 HRESULT TypeInfo::GetDocumentation(MEMBERID member, BSTR* name, BSTR* text, DWORD* context, BSTR* helpFile) noexcept {

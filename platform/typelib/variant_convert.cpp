@@ -5,6 +5,7 @@
 #include "oleauto.h"
 #include "platform/src/guarded.h"
 #include "variant_types.h"
+#include "winnls.h"
 
 namespace wnplatform {
 namespace {
@@ -67,7 +68,8 @@ HRESULT ObjectTo(const VARIANT& value, VARTYPE type, VARIANT& to) noexcept {
 }
 
 HRESULT TextTo(const VARIANT& value, VARTYPE type, VARIANT& to) {
-    const UINT units = SysStringLen(value.bstrVal);
+    // Numbers are read from terminated texts: what follows a zero does not count.
+    const auto units = static_cast<UINT>(value.bstrVal ? wcslen(value.bstrVal) : 0);
     if (type == VT_BOOL) {
         const std::optional<bool> truth = ParseTruth(value.bstrVal, units);
         if (truth) return StoreNumber(*truth ? 1 : 0, type, to);

@@ -31,7 +31,7 @@ HRESULT StoreWhole(double number, T& to) noexcept {
 // Without white space around it; what is no ASCII stands for no number either way.
 std::string Trimmed(const OLECHAR* text, UINT units) {
     std::string narrow;
-    for (UINT i = 0; i < units; ++i) narrow += text[i] > 0 && text[i] < 0x80 ? static_cast<char>(text[i]) : '?';
+    for (UINT i = 0; i < units; ++i) narrow += text[i] < 0x80 ? static_cast<char>(text[i]) : '?';
     const auto first = narrow.find_first_not_of(" \t\r\n");
     if (first == std::string::npos) return {};
     return narrow.substr(first, narrow.find_last_not_of(" \t\r\n") - first + 1);
@@ -123,7 +123,11 @@ std::optional<double> ParseNumber(const OLECHAR* text, UINT units) {
     double number = 0;
     const char* last = narrow.data() + narrow.size();
     const auto [end, error] = std::from_chars(narrow.data(), last, number);
-    if (error == std::errc::result_out_of_range && end == last) return std::numeric_limits<double>::infinity();
+    if (error == std::errc::result_out_of_range && end == last) {
+        // Which end of the range it is beyond only the exponent's sign tells.
+        const bool tooSmall = narrow.find("e-") != std::string::npos || narrow.find("E-") != std::string::npos;
+        return tooSmall ? 0 : std::numeric_limits<double>::infinity();
+    }
     if (error != std::errc() || end != last) return std::nullopt;
     return number;
 }
@@ -139,8 +143,10 @@ std::optional<bool> ParseTruth(const OLECHAR* text, UINT units) {
 
 BSTR NumberText(double number) {
     char digits[32];
+    // Zero has no sign in a text, and an exponent a capital letter.
     const auto [end, error] =
-        std::to_chars(std::begin(digits), std::end(digits), number, std::chars_format::general, 15);
+        std::to_chars(std::begin(digits), std::end(digits), number == 0 ? 0 : number, std::chars_format::general, 15);
+    std::replace(std::begin(digits), end, 'e', 'E');
     BSTR text = SysAllocStringLen(nullptr, static_cast<UINT>(end - digits));
     if (text) std::copy(static_cast<const char*>(digits), static_cast<const char*>(end), text);
     return text;

@@ -53,7 +53,8 @@ std::vector<std::string> AgentFixture::Log() const {
 
 // The file stays: the module may hold it open.
 void AgentFixture::ClearLog() {
-    m_logStart = std::filesystem::exists(m_logPath) ? static_cast<std::size_t>(std::filesystem::file_size(m_logPath)) : 0;
+    m_logStart =
+        std::filesystem::exists(m_logPath) ? static_cast<std::size_t>(std::filesystem::file_size(m_logPath)) : 0;
 }
 
 CPComPtr<IServiceDesc> AgentFixture::Service(const char* id, const char* address) {

@@ -1,54 +1,12 @@
 // The N-th allocation of an operation fails, for every N: nothing crashes or leaks, and the agent stays usable.
-//
-// The program's own malloc takes the C library's place in every module, so it also reaches the platform layer and the
-// fakes, which then fail as a component does that runs out of memory.
-#include <cerrno>
-#include <cstdlib>
+#include <functional>
 
+#include "agent/WNSimpleCache.h"
 #include "tests/agent/AgentOperations.h"
-
-extern "C" void* __libc_malloc(std::size_t size);
-extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
-extern "C" void* __libc_realloc(void* memory, std::size_t size);
-
-namespace {
-
-thread_local unsigned allocations = 0;
-thread_local unsigned failing = 0;  // 0: none
-
-bool Refused() noexcept {
-    if (++allocations != failing) return false;
-    errno = ENOMEM;
-    return true;
-}
-
-}  // namespace
-
-#define EXPORTED extern "C" __attribute__((visibility("default")))
-EXPORTED void* malloc(std::size_t size) noexcept { return Refused() ? nullptr : __libc_malloc(size); }
-EXPORTED void* calloc(std::size_t count, std::size_t size) noexcept {
-    return Refused() ? nullptr : __libc_calloc(count, size);
-}
-EXPORTED void* realloc(void* memory, std::size_t size) noexcept {
-    return Refused() ? nullptr : __libc_realloc(memory, size);
-}
+#include "tests/support/FailingAllocation.h"
 
 namespace wncom::test {
 namespace {
-
-// Lets one allocation of the calling thread fail while it lives; 0 for none.
-class FailingAllocation {
-public:
-    explicit FailingAllocation(unsigned number) {
-        allocations = 0;
-        failing = number;
-    }
-    FailingAllocation(const FailingAllocation&) = delete;
-    FailingAllocation& operator=(const FailingAllocation&) = delete;
-    ~FailingAllocation() { failing = 0; }
-
-    unsigned Count() const { return allocations; }
-};
 
 class AllocationWalkTest : public AgentFixture, public testing::WithParamInterface<Operation> {
 protected:
@@ -92,6 +50,60 @@ TEST_P(AllocationWalkTest, EveryAllocationMayFail) {
 
 INSTANTIATE_TEST_SUITE_P(Agent, AllocationWalkTest, testing::ValuesIn(Operations().begin(), Operations().end()),
                          [](const auto& instance) { return std::string(instance.param.name); });
+
+// While it is made an agent connects for the first time, which reads the catalogue and loads the transport library.
+TEST_F(AgentFixture, EveryAllocationMayFailWhileAnAgentIsMade) {
+    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",1");
+    const CPComPtr<IServiceDesc> service = Service();
+    const auto parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
+    CPComPtr<IWendrel> agent;
+    const auto create = [&](unsigned failingAllocation) {
+        Script().ForgetCalls();
+        const FailingAllocation armed(failingAllocation);
+        const HRESULT status = parent->CreateWendrel(service.get(), agent.put());
+        return std::pair(status, armed.Count());
+    };
+    const unsigned count = create(0).second;
+    const std::vector<std::string> calls = Script().Calls();
+    agent.Release();
+    const int objects = Script().LiveObjects();
+    for (unsigned number = 1; number <= count; ++number) {
+        SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(count));
+        const HRESULT status = create(number).first;
+        EXPECT_EQ(SUCCEEDED(status), static_cast<bool>(agent)) << Hex(status);
+        EXPECT_THAT(calls, testing::IsSupersetOf(Script().Calls()));
+        agent.Release();
+        EXPECT_EQ(Script().LiveObjects(), objects);
+    }
+    EXPECT_EQ(Hex(create(0).first), Hex(S_OK)) << "and again";
+}
+
+// Under another service's key a client would get that service's ticket.
+TEST_F(AgentFixture, EveryAllocationOfACacheOperationMayFailAndNoOtherTicketIsTouched) {
+    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",1");
+    const Bstr identifier = Text("device-7");
+    const std::function<void(_WNSimpleCache&)> operations[] = {
+        [&](_WNSimpleCache& cache) { cache.ToCache(identifier.get(), 1, OLESTR("<caps/>")); },
+        [&](_WNSimpleCache& cache) { cache.FromCache(identifier.get()); },
+        [&](_WNSimpleCache& cache) { cache.RemoveFromCache(identifier.get()); },
+    };
+    for (const auto& operation : operations) {
+        _WNSimpleCache cache;
+        const auto run = [&](unsigned failingAllocation) {
+            Script().ForgetCalls();
+            const FailingAllocation armed(failingAllocation);
+            operation(cache);
+            return armed.Count();
+        };
+        const unsigned count = run(0);
+        const std::vector<std::string> calls = Script().Calls();
+        ASSERT_GT(count, 3U);
+        for (unsigned number = 1; number <= count; ++number) {
+            run(number);
+            EXPECT_THAT(calls, testing::IsSupersetOf(Script().Calls())) << "allocation " << number;
+        }
+    }
+}
 
 }  // namespace
 }  // namespace wncom::test

@@ -60,6 +60,22 @@ TEST_F(EventTicketsTest, ASubscriptionWithoutTicketOrAnswerIsAFailure) {
     EXPECT_THAT(Log(), Contains("1 Orb.SubscribeForEvents failed with 0 length ticket"));
 }
 
+// What a ticket says is the device's matter.
+TEST_F(EventTicketsTest, TicketsThatAreEnormousOrNoXmlGoThroughWhole) {
+    for (const std::string& ticket : {std::string("no XML <"), std::string(10'000'000, 'x')}) {
+        Prepare();
+        Script().Answer("FakeTransport.SubscribeForEvents", ticket);
+        OutText exception;
+        OutText answer;
+        EXPECT_EQ(Hex(m_events->SubscribeForEvents(Text(ticket.c_str()).get(), exception.put(), answer.put())),
+                  Hex(S_OK));
+        EXPECT_TRUE(answer.Shown() == ticket) << ticket.size();
+        EXPECT_TRUE(Script().CallsOf("FakeTransport.SubscribeForEvents").back() ==
+                    "FakeTransport.SubscribeForEvents(" + ticket + ")")
+            << ticket.size();
+    }
+}
+
 TEST_F(EventTicketsTest, ASubscriptionIsRenewedForADuration) {
     Script().AnswerFlag("FakeTransport.Resubscribe", true);
     Script().Answer("FakeTransport.Resubscribe.slot", "shortened");

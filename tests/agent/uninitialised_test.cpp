@@ -1,5 +1,5 @@
 // Agents at times and with arguments that nobody foresaw: every method is safe.
-#include "tests/agent/AgentFixture.h"
+#include "tests/agent/AgentOperations.h"
 
 namespace wncom::test {
 namespace {
@@ -61,6 +61,25 @@ TEST_F(NullArgumentsTest, AnAgentThatWasNeverInitialisedAnswersUnexpected) {
                        kUnexpected, kOk,         kUnexpected, kNotOffered, kNotOffered, kUnexpected,
                        kNotOffered, kUnexpected, kUnexpected, kUnexpected, kUnexpected}));
     EXPECT_EQ(Script().CallCount(), 0U);
+}
+
+TEST_F(NullArgumentsTest, AnAgentThatWasNeverInitialisedStoresNothingAndCanStillBeInitialised) {
+    const auto agent = Create<IWendrel>(kProgIdWendrel);
+    const AllInterfaces all(agent);
+    ScriptAnswers();
+    for (const Operation& operation : Operations()) {
+        EXPECT_EQ(Hex(operation.Run(all)), kUnexpected) << operation.name;
+    }
+    OutText ticket;
+    EXPECT_EQ(Hex(agent->GetCapabilitiesTicket(ticket.put())), kUnexpected);
+    EXPECT_EQ(ticket.Shown(), "(untouched)");
+    EXPECT_EQ(Script().CallCount(), 0U);
+
+    CPComPtr<IWNInitByParent> init;
+    ASSERT_EQ(Hex(agent.QueryInterface(init)), kOk);
+    const auto transport = Create<ITransportDesc>(kProgIdTransportDesc);
+    EXPECT_EQ(Hex(init->InitByParent(Service().get(), transport.get())), kOk);
+    for (const Operation& operation : Operations()) EXPECT_EQ(Hex(operation.Run(all)), kOk) << operation.name;
 }
 
 TEST_F(NullArgumentsTest, AnInitialisedAgentAnswersEachOperationsOwnFailure) {

@@ -100,6 +100,16 @@ TEST_F(EventsTest, AListWithAWrongCountIsEmpty) {
     EXPECT_EQ(nullptr, m_list);
 }
 
+TEST(RemoteListTest, ACountWithoutElementsIsAnEmptyListAtEveryLevelOfTheLog) {
+    const LogCapture log(4);
+    RemoteArray none;
+    none.Init(nullptr, 3);
+    static_cast<const ORBBase&>(none).Init();
+    PCharArray list;
+    EXPECT_EQ(0, RemoteArrayPtrToPCharArray(&none, &list));
+    EXPECT_EQ(nullptr, list);
+}
+
 TEST_F(EventsTest, TicketsAndIdsOfEventsAreSentAndAnswered) {
     Script().Answer("FakeTransport.GetEventCapabilities", "caps");
     Script().Answer("FakeTransport.SubscribeForEvents", "done");

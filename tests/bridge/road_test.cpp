@@ -141,8 +141,7 @@ TEST_F(RoadTest, OperationsAreTraced) {
     m_bridge->EndSession();
     const std::vector<std::string> lines = log.Lines();
     ASSERT_EQ(3u, lines.size());
-    EXPECT_THAT(lines[0],
-                MatchesPattern("5 ENTER OrbStuff::EndSession on line [0-9]+ in file .\\\\OrbStuff @.*@"));
+    EXPECT_THAT(lines[0], MatchesPattern("5 ENTER OrbStuff::EndSession on line [0-9]+ in file .\\\\OrbStuff @.*@"));
     EXPECT_THAT(lines[2], testing::StartsWith("5 EXIT: OrbStuff::EndSession @{"));
 }
 

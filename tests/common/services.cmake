@@ -39,3 +39,12 @@ wncom_add_test(
     DEPENDS FakeComponents wnComponents
     SOURCES event_xml_processor_test.cpp
 )
+# The sanitizers have an allocator of their own, which cannot be made to fail.
+if(NOT WNCOM_SANITIZE)
+    wncom_add_test(
+        event_xml_memory_test
+        LIBRARIES wncom_services wncom_fakes
+        DEPENDS FakeComponents
+        SOURCES ../support/FailingAllocation.cpp event_xml_memory_linux_test.cpp
+    )
+endif()

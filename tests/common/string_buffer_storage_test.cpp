@@ -180,11 +180,10 @@ TYPED_TEST(StringBufferStorage, RefusesPropertiesThatCannotBeSetOrDoNotExist) {
 TYPED_TEST(StringBufferStorage, LogsItsSizes) {
     const LogCapture log(6);
     this->buffer.Allocate(10, true);
-    EXPECT_THAT(
-        log.Lines(),
-        testing::ElementsAre("6 CPWStringBuffer::SetOffset - mOffset=11",
-                             MatchesPattern("6 CPWStringBuffer::Allocate - refsize=10 \\| mBuffer=[0-9A-F]+ "
-                                                   "\\| mCapacity=32 \\| mOffset=11")));
+    EXPECT_THAT(log.Lines(),
+                testing::ElementsAre("6 CPWStringBuffer::SetOffset - mOffset=11",
+                                     MatchesPattern("6 CPWStringBuffer::Allocate - refsize=10 \\| mBuffer=[0-9A-F]+ "
+                                                    "\\| mCapacity=32 \\| mOffset=11")));
 }
 
 TEST(StringBufferTakeOver, OwnsATextOfUnknownCapacity) {

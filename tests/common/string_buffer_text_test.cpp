@@ -77,9 +77,9 @@ TEST(StringBufferText, WithoutAMultiByteFormAnswersTheDefault) {
     CPHeapBuffer buffer(OLESTR("abc\u0100"));
     const LogCapture log(1);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "default");
-    EXPECT_THAT(log.Lines(),
-                ElementsAre(MatchesPattern("1 Assertion failed: mbstrRequired, file CPWStringBuffer[A-Za-z]*.inl, line "
-                                         "[0-9]+")));
+    EXPECT_THAT(log.Lines(), ElementsAre(MatchesPattern(
+                                 "1 Assertion failed: mbstrRequired, file CPWStringBuffer[A-Za-z]*.inl, line "
+                                 "[0-9]+")));
     buffer.Erase(3);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "abc");
     buffer.Erase();

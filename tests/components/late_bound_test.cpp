@@ -5,6 +5,7 @@
 
 #include "tests/components/ComponentsFixture.h"
 #include "wncom/Descriptions.h"
+#include "wncom/ScriptAccess.h"
 #include "wncom/XMLCacheMgr.h"
 
 namespace wncom::test {
@@ -155,6 +156,18 @@ TEST_F(LateBound, ObjectOfTheWrongKindIsRefused) {
     EXPECT_EQ(Call(services, "Count").text(), "0");
 }
 
+TEST_F(LateBound, PlainObjectIsGivenItsLateBoundSide) {
+    const Value access = New(kProgIdScriptAccess);
+    Value plain;
+    plain.get()->vt = VT_UNKNOWN;
+    plain.get()->punkVal = Create<ITransportDesc>(kProgIdTransportDesc).detach();
+    EXPECT_EQ(Call(Call(access, "AsObject", {&plain}), "GetDeliveryMethod").text(), "-1");
+    Value nothing;
+    nothing.get()->vt = VT_UNKNOWN;
+    nothing.get()->punkVal = nullptr;
+    EXPECT_EQ(Call(access, "AsObject", {&nothing}).text(), "nothing");
+}
+
 // Each class's default interface has the id that the headers tell, and as many slots.
 TEST_F(LateBound, TypeLibraryAgreesWithTheHeaders) {
     struct Expected {
@@ -168,7 +181,8 @@ TEST_F(LateBound, TypeLibraryAgreesWithTheHeaders) {
           Expected{kProgIdDeviceContent, IPortMapContent::kIid, 37},
           Expected{kProgIdServiceContent, IPortMapContent::kIid, 37},
           Expected{kProgIdServiceList, IPortMapList::kIid, 11}, Expected{kProgIdServiceDesc, IServiceDesc::kIid, 11},
-          Expected{kProgIdTransportDesc, ITransportDesc::kIid, 18}}) {
+          Expected{kProgIdTransportDesc, ITransportDesc::kIid, 18},
+          Expected{kProgIdScriptAccess, IScriptAccess::kIid, 8}}) {
         const Value object = New(expected.progId);
         CPComPtr<ITypeInfo> dispatch;
         ASSERT_EQ(Hex(object.object()->GetTypeInfo(0, 0, dispatch.put())), Hex(S_OK));

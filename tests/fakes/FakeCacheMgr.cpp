@@ -1,9 +1,15 @@
 #include "tests/fakes/FakeCacheMgr.h"
 
+#include <new>
+
 namespace wncom::test {
 namespace {
 
-std::string Utf8(LPCOLESTR text) { return ToUtf8(Bstr(text).get()); }
+std::string Utf8(LPCOLESTR text) {
+    const Bstr copy(text);
+    if (text && !copy) throw std::bad_alloc();
+    return ToUtf8(copy.get());
+}
 
 std::string AnswerName(LPCOLESTR key) { return "XMLCacheMgr.FetchXML " + Utf8(key); }
 

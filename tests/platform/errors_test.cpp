@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -19,12 +20,21 @@ DWORD Format(DWORD code, std::string& text) {
 }
 
 TEST(Errors, BelongToOneThread) {
-    SetLastError(5);
-    std::thread([] {
-        EXPECT_EQ(GetLastError(), 0U);
+    std::atomic<bool> set{false};
+    std::atomic<bool> seen{false};
+    std::thread other([&] {
         SetLastError(7);
-    }).join();
+        set = true;
+        while (!seen) continue;
+        EXPECT_EQ(GetLastError(), 7U);
+    });
+    SetLastError(5);
+    // Without a call in between, which could set it: so no waiting either.
+    while (!set) continue;
     EXPECT_EQ(GetLastError(), 5U);
+    SetLastError(5);
+    seen = true;
+    other.join();
 }
 
 TEST(Errors, HaveATextThatEndsItsLine) {

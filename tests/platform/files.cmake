@@ -10,6 +10,7 @@ wncom_add_test(
     LABELS threads
     DEPENDS platform_peer
     SOURCES Peer.cpp
+            debug_output_test.cpp
             file_locks_test.cpp
             files_test.cpp
             find_files_test.cpp
@@ -18,6 +19,7 @@ wncom_add_test(
             mutexes_test.cpp
             processes_test.cpp
             security_test.cpp
+            threads_test.cpp
             time_test.cpp
 )
 if(NOT WIN32)

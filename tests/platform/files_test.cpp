@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "tests/platform/OnWine.h"
 #include "tests/platform/Peer.h"
 #include "tests/support/TestHome.h"
 
@@ -55,13 +56,13 @@ TEST_P(FileDisposition, TellsWhatItFoundAndKeepsOrCutsIt) {
     const HANDLE absent = Open(InHome("absent.txt"), expected.value);
     EXPECT_EQ(GetLastError(), expected.errorAbsent);
     EXPECT_EQ(absent != INVALID_HANDLE_VALUE, expected.opensAbsent);
-    EXPECT_EQ(CloseHandle(absent) != FALSE, expected.opensAbsent);
+    if (absent != INVALID_HANDLE_VALUE) CloseHandle(absent);
 
     WriteWholeFile(InHome("present.txt"), "text");
     const HANDLE present = Open(InHome("present.txt"), expected.value);
     EXPECT_EQ(GetLastError(), expected.errorPresent);
     EXPECT_EQ(present != INVALID_HANDLE_VALUE, expected.opensPresent);
-    EXPECT_EQ(CloseHandle(present) != FALSE, expected.opensPresent);
+    if (present != INVALID_HANDLE_VALUE) CloseHandle(present);
     EXPECT_EQ(ReadWholeFile(InHome("present.txt")), expected.textPresent);
 }
 
@@ -91,7 +92,8 @@ TEST(Files, RefusesToOpenFoldersMissingFoldersAndNonsense) {
 TEST(Files, OpensByAWidePath) {
     const OpenFile file("wide.txt", "x");
     std::basic_string<WCHAR> path(file.path.begin(), file.path.end());
-    const HANDLE wide = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE wide = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
     EXPECT_NE(wide, INVALID_HANDLE_VALUE);
     EXPECT_TRUE(CloseHandle(wide));
 }
@@ -145,7 +147,7 @@ TEST(Files, RefusesWhatTheHandleWasNotOpenedFor) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_EQ(count, 0U);
     EXPECT_FALSE(SetEndOfFile(reader));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(GetLastError(), OnWine() ? DWORD{ERROR_INVALID_PARAMETER} : DWORD{ERROR_ACCESS_DENIED});
     EXPECT_FALSE(ReadFile(writer, &byte, 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     CloseHandle(reader);
@@ -173,7 +175,8 @@ TEST(Files, HoldsPositionsOf64Bits) {
     EXPECT_EQ(high, 1);
     // The position would not fit into the result alone.
     EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    // Wine answers its low half instead, here the same number.
+    EXPECT_EQ(GetLastError(), OnWine() ? DWORD{NO_ERROR} : DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_EQ(SetFilePointer(file.handle, 1, nullptr, FILE_BEGIN), 1U);
 }
 
@@ -256,6 +259,13 @@ TEST(Files, GivesTheFullPathAndItsLastPart) {
     EXPECT_EQ(GetFullPathNameA("C:\\a\\", sizeof(full), full, &part), 5U);
     EXPECT_EQ(part, nullptr);
     EXPECT_EQ(GetFullPathNameA("", sizeof(full), full, nullptr), 0U);
+}
+
+TEST(Files, StandardOutputIsOneOfThem) {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    EXPECT_NE(output, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetStdHandle(STD_OUTPUT_HANDLE), output);
+    EXPECT_TRUE(Write(output, "written to standard output\n"));
 }
 
 TEST(Files, TheWindowsDirectoryIsAFolder) {

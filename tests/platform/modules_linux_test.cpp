@@ -22,6 +22,20 @@ TEST(Modules, LeaveTheProcesssMemoryWhenTheyAreFreed) {
     EXPECT_FALSE(IsMapped("platform_server.dll"));
 }
 
+// On Windows no exception passes the loader.
+TEST(Modules, ThatThrowAtTheirStartAreNotLoaded) {
+    const std::string path = ProgramFolder() + "/platform_throwing.dll";
+    EXPECT_EQ(LoadLibraryA(path.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DLL_INIT_FAILED});
+    EXPECT_FALSE(IsMapped("platform_throwing.dll"));
+}
+
+TEST(Modules, NeedNotBeToldOfThreads) {
+    const HMODULE module = LoadLibraryA((ProgramFolder() + "/platform_no_server.dll").c_str());
+    EXPECT_TRUE(DisableThreadLibraryCalls(module));
+    FreeLibrary(module);
+}
+
 TEST(Modules, ThatAreCutShortAreNoModules) {
     const std::string whole = ReadWholeFile(ProgramFolder() + "/platform_server.dll");
     for (const std::size_t length : {std::size_t{0}, std::size_t{20}, std::size_t{100}, std::size_t{5000}}) {

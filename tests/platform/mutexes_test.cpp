@@ -60,7 +60,7 @@ TEST(Mutexes, AreOneUnderOneNameAndOthersUnderOthers) {
 TEST(Mutexes, RefuseNamesThatAreNone) {
     EXPECT_EQ(Create("no\\such\\folder"), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_EQ(Create(std::string(MAX_PATH, 'x')), nullptr);
+    EXPECT_EQ(Create(std::string(2 * MAX_PATH, 'x')), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_FILENAME_EXCED_RANGE});
     EXPECT_EQ(OpenMutexA(SYNCHRONIZE, FALSE, nullptr), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});

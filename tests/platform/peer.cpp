@@ -29,6 +29,21 @@ int OwnMutex(const char* name, const char* ready, const char* milliseconds) {
     return 0;
 }
 
+// Opens what another process made and adds a byte to it.
+int OpenMutexAndFile(const char* name, const char* path) {
+    const HANDLE mutex = OpenMutexA(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, name);
+    if (WaitForSingleObject(mutex, INFINITE) != WAIT_OBJECT_0) return 1;
+    DWORD bytes = 0;
+    if (!WriteFile(OpenForWriting(path), "x", 1, &bytes, nullptr)) return 2;
+    return ReleaseMutex(mutex) ? 0 : 3;
+}
+
+int WriteProcessId(const char* path) {
+    std::ofstream file(path, std::ios::binary);
+    file << GetCurrentProcessId();
+    return file.flush() ? 0 : 1;
+}
+
 // Adds one to the number in a file, many times, each under the mutex.
 int Count(const char* name, const char* path, const char* times) {
     const HANDLE mutex = CreateMutexA(nullptr, FALSE, name);
@@ -94,6 +109,8 @@ int main(int count, char** arguments) {
     if (deed == "exit") return std::atoi(arguments[2]);
     if (deed == "sleep") Sleep(static_cast<DWORD>(std::atoi(arguments[2])));
     if (deed == "arguments") return WriteArguments(count, arguments);
+    if (deed == "id") return WriteProcessId(arguments[2]);
+    if (deed == "open" && count == 4) return OpenMutexAndFile(arguments[2], arguments[3]);
     if (deed == "lock" && count == 4) return LockTenBytes(arguments[2], arguments[3]);
     if (deed == "own" && count == 5) return OwnMutex(arguments[2], arguments[3], arguments[4]);
     if (deed == "count" && count == 5) return Count(arguments[2], arguments[3], arguments[4]);

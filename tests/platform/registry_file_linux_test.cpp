@@ -140,6 +140,20 @@ TEST(RegistryFile, ThatIsDamagedIsReadWhereItCanBeAndNeverOverwritten) {
     }
 }
 
+// Modules that register themselves again say what is known.
+TEST(RegistryFile, IsNotWrittenForAValueThatIsSetAgain) {
+    HKEY key;
+    ASSERT_EQ(Create("SOFTWARE\\Again", &key), 0);
+    const auto set = [key](BYTE value) { return RegSetValueExA(key, "v", 0, REG_BINARY, &value, 1); };
+    ASSERT_EQ(set(1), ERROR_SUCCESS);
+    std::filesystem::create_hard_link(File(), File() + ".seen");
+    EXPECT_EQ(set(1), ERROR_SUCCESS);
+    EXPECT_TRUE(std::filesystem::equivalent(File(), File() + ".seen"));
+    EXPECT_EQ(set(2), ERROR_SUCCESS);
+    EXPECT_FALSE(std::filesystem::equivalent(File(), File() + ".seen"));
+    RegCloseKey(key);
+}
+
 TEST(RegistryFile, RefusesNamesThatItCannotHold) {
     HKEY key;
     EXPECT_EQ(Create("SOFTWARE\\two\nlines", &key), ERROR_INVALID_PARAMETER);

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/platform/OnWine.h"
+
 namespace {
 
 constexpr char kBase[] = "SOFTWARE\\WncomTests\\Registry";
@@ -95,6 +97,7 @@ TEST_F(Registry, KeepsTheDefaultValueUnderNullAndEmptyNames) {
     EXPECT_EQ(Get(key.get(), ""), "one\0"sv);
     ASSERT_EQ(RegDeleteValueA(key.get(), ""), 0);
     EXPECT_EQ(RegQueryValueExA(key.get(), nullptr, nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegDeleteValueA(key.get(), ""), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(Registry, TellsTheSizeThatABufferNeeds) {
@@ -137,7 +140,10 @@ TEST_F(Registry, DoesNotOpenWhatIsAbsentOrNoHandle) {
     HKEY key;
     EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\WncomTests\\No", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegOpenKeyExA(nullptr, "SOFTWARE", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, nullptr), ERROR_INVALID_PARAMETER);
+    // Wine writes through the null pointer.
+    if (!wncom::test::OnWine()) {
+        EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, nullptr), ERROR_INVALID_PARAMETER);
+    }
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
     EXPECT_EQ(RegCloseKey(HKEY_LOCAL_MACHINE), ERROR_SUCCESS);
 }

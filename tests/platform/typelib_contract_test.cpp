@@ -3,6 +3,7 @@
 
 #include "include/wncom/Bstr.h"
 #include "include/wncom/wnCOM.h"
+#include "tests/platform/OnWine.h"
 #include "typelib_text.h"
 
 namespace wncom::test {
@@ -11,7 +12,7 @@ namespace {
 class AgentTypeLibrary : public testing::Test {
 protected:
     void SetUp() override {
-        m_library = LoadLibraryOf("platform_typelib.dll");
+        m_library = LoadLibraryOf("wnCOM.dll");
         ASSERT_TRUE(m_library);
     }
 
@@ -42,6 +43,12 @@ TEST_F(AgentTypeLibrary, TellsItsIdentity) {
 }
 
 TEST_F(AgentTypeLibrary, HoldsEightInterfacesAndTwoClasses) { EXPECT_EQ(m_library->GetTypeInfoCount(), 10U); }
+
+TEST_F(AgentTypeLibrary, ReadsTheSameInAnyModule) {
+    const Held<ITypeLib> other = LoadLibraryOf("platform_typelib.dll");
+    ASSERT_TRUE(other);
+    EXPECT_EQ(LibraryText(*m_library), LibraryText(*other));
+}
 
 TEST_F(AgentTypeLibrary, DescribesIWendrel) {
     EXPECT_EQ(Table(IWendrel::kIid), R"(IWendrel flags=0x1140 : IDispatch "IWendrel Interface"
@@ -143,6 +150,37 @@ TEST_F(AgentTypeLibrary, ShowsADualInterfaceAsALateBoundOneFirst) {
     type->ReleaseFuncDesc(function);
 }
 
+TEST_F(AgentTypeLibrary, MarksDualInterfacesThatHaveNoDispatchMethodsAsLateBoundToo) {
+    const IID& dual = IJobControl::kIid;
+    const Held<ITypeInfo> type = Type(dual);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+    EXPECT_EQ(attributes->typekind, TKIND_DISPATCH);
+    EXPECT_EQ(attributes->guid, dual);
+    EXPECT_EQ(attributes->wTypeFlags, TYPEFLAG_FDUAL | TYPEFLAG_FNONEXTENSIBLE);
+    type->ReleaseTypeAttr(attributes);
+}
+
+TEST_F(AgentTypeLibrary, KnowsEachTypesPlaceAndLibrary) {
+    for (UINT i = 0; i < m_library->GetTypeInfoCount(); ++i) {
+        ITypeInfo* info = nullptr;
+        ASSERT_EQ(m_library->GetTypeInfo(i, &info), S_OK);
+        const Held<ITypeInfo> type(info);
+        ITypeLib* owner = nullptr;
+        UINT index = 99;
+        ASSERT_EQ(type->GetContainingTypeLib(&owner, &index), S_OK);
+        const Held<ITypeLib> library(owner);
+        EXPECT_EQ(index, i);
+        EXPECT_EQ(owner->GetTypeInfoCount(), 10U);
+        TYPEATTR* attributes = nullptr;
+        ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+        TYPEKIND kind = TKIND_ALIAS;
+        EXPECT_EQ(m_library->GetTypeInfoType(i, &kind), S_OK);
+        EXPECT_EQ(kind, attributes->typekind);
+        type->ReleaseTypeAttr(attributes);
+    }
+}
+
 TEST_F(AgentTypeLibrary, LeadsFromEitherViewOfADualInterfaceToTheOther) {
     const Held<ITypeInfo> table = TableView(*Type(IJobControl::kIid));
     TYPEATTR* attributes = nullptr;
@@ -182,15 +220,21 @@ TEST_F(AgentTypeLibrary, RefusesWhatIsNotThere) {
     FUNCDESC* function = nullptr;
     EXPECT_EQ(type->GetFuncDesc(7, &function), TYPE_E_ELEMENTNOTFOUND);
     EXPECT_EQ(type->GetDocumentation(99, nullptr, nullptr, nullptr, nullptr), TYPE_E_ELEMENTNOTFOUND);
+    VARDESC* variable = nullptr;
+    EXPECT_EQ(type->GetVarDesc(0, &variable), TYPE_E_ELEMENTNOTFOUND);
+    EXPECT_EQ(type->GetDllEntry(0x60010000, INVOKE_FUNC, nullptr, nullptr, nullptr), TYPE_E_BADMODULEKIND);
     void* address = nullptr;
+    EXPECT_TRUE(FAILED(type->CreateInstance(nullptr, IID_IUnknown, &address)));
     EXPECT_EQ(type->AddressOfMember(0x60010000, INVOKE_FUNC, &address), TYPE_E_BADMODULEKIND);
 }
 
 TEST_F(AgentTypeLibrary, SpellsAndFindsItsNames) {
-    OLECHAR name[] = OLESTR("JOBURI");
+    OLECHAR name[] = OLESTR("SUBMITJOB");
     BOOL found = FALSE;
     EXPECT_EQ(m_library->IsName(name, 0, &found), S_OK);
-    EXPECT_TRUE(found);
+    // Wine compares names as they are.
+    EXPECT_EQ(found, OnWine() ? FALSE : TRUE);
+    EXPECT_EQ(Narrow(Bstr(name).get()), OnWine() ? "SUBMITJOB" : "SubmitJob");
     OLECHAR member[] = OLESTR("Unsubscribe");
     ITypeInfo* info = nullptr;
     MEMBERID id = 0;

@@ -5,6 +5,7 @@
 
 #include "include/wncom/Bstr.h"
 #include "invoke_target.h"
+#include "tests/platform/OnWine.h"
 #include "typelib_text.h"
 
 namespace wncom::test {
@@ -42,6 +43,8 @@ std::vector<Value> Arguments(Ts&&... arguments) {
     return list;
 }
 
+Value Reference(BSTR* text) { return Value(VT_BSTR, text); }
+
 class InvokeThroughTypeLibrary : public testing::Test {
 protected:
     void SetUp() override {
@@ -58,12 +61,15 @@ protected:
         DISPPARAMS params{reversed.data(), names.data(), static_cast<UINT>(reversed.size()),
                           static_cast<UINT>(names.size())};
         ITarget* instance = &m_target;
-        return m_type->Invoke(instance, member, flags, &params, result, nullptr, &m_wrong);
+        return m_type->Invoke(instance, member, flags, &params, result, &m_exception, &m_wrong);
     }
 
     Target m_target;
     Held<ITypeInfo> m_type;
-    UINT m_wrong = 99;
+    EXCEPINFO m_exception{};
+    // Which argument a failed call blames; Wine tells none.
+    UINT m_wrong = kNone;
+    static constexpr UINT kNone = 99;
 };
 
 TEST_F(InvokeThroughTypeLibrary, PassesValuesAndReturnsTheResult) {
@@ -87,9 +93,9 @@ TEST_F(InvokeThroughTypeLibrary, ConvertsArguments) {
 TEST_F(InvokeThroughTypeLibrary, NamesTheArgumentThatDoesNotFit) {
     // Counted from the last one.
     EXPECT_EQ(Call(1, Arguments("a", "no number", LONG{1}, LONG{0})), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(m_wrong, 2U);
+    EXPECT_EQ(m_wrong, OnWine() ? kNone : 2U);
     EXPECT_EQ(Call(1, Arguments("a", LONG{1}, LONG{70000}, LONG{0})), DISP_E_OVERFLOW);
-    EXPECT_EQ(m_wrong, 1U);
+    EXPECT_EQ(m_wrong, OnWine() ? kNone : 1U);
 }
 
 TEST_F(InvokeThroughTypeLibrary, RefusesAWrongNumberOfArguments) {
@@ -108,20 +114,11 @@ TEST_F(InvokeThroughTypeLibrary, RefusesMembersThatCannotBeCalledThatWay) {
 TEST_F(InvokeThroughTypeLibrary, WritesOutParametersIntoTheCallersText) {
     Bstr info;
     std::vector<Value> arguments = Arguments("four");
-    arguments.push_back(Value(VT_BSTR, info.put()));
+    arguments.push_back(Reference(info.put()));
     Value result;
     ASSERT_EQ(Call(2, std::move(arguments), &result), S_OK);
     EXPECT_EQ(Narrow(info.get()), "taken");
     EXPECT_EQ(result.lVal, 4);
-}
-
-TEST_F(InvokeThroughTypeLibrary, WritesOutParametersIntoTheCallersVariant) {
-    Value info("old");
-    std::vector<Value> arguments = Arguments("four");
-    arguments.push_back(Value(VT_VARIANT, &info));
-    ASSERT_EQ(Call(2, std::move(arguments)), S_OK);
-    ASSERT_EQ(info.vt, VT_BSTR);
-    EXPECT_EQ(Narrow(info.bstrVal), "taken");
 }
 
 TEST_F(InvokeThroughTypeLibrary, DropsAnOutParameterThatWasGivenByValue) {
@@ -133,23 +130,33 @@ TEST_F(InvokeThroughTypeLibrary, RefusesAReferenceOfAnotherType) {
     std::vector<Value> arguments = Arguments("four");
     arguments.push_back(Value(VT_I4, &number));
     EXPECT_EQ(Call(2, std::move(arguments)), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(m_wrong, 0U);
+    EXPECT_EQ(m_wrong, OnWine() ? kNone : 0U);
+}
+
+// So a script has nothing to receive a text with but a method's result.
+TEST_F(InvokeThroughTypeLibrary, RefusesAVariantForAReferenceToAText) {
+    Value info("old");
+    std::vector<Value> arguments = Arguments("four");
+    arguments.push_back(Value(VT_VARIANT, &info));
+    EXPECT_EQ(Call(2, std::move(arguments)), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(Narrow(info.bstrVal), "old");
 }
 
 TEST_F(InvokeThroughTypeLibrary, PassesAnInOutTextBothWays) {
-    Value text(LONG{5});
+    BSTR text = SysAllocString(OLESTR("5"));
     std::vector<Value> arguments;
-    arguments.push_back(Value(VT_VARIANT, &text));
-    ASSERT_EQ(Call(3, std::move(arguments)), S_OK);
-    EXPECT_EQ(Narrow(text.bstrVal), "5+");
+    arguments.push_back(Reference(&text));
+    EXPECT_EQ(Call(3, std::move(arguments)), S_OK);
+    EXPECT_EQ(Narrow(text), "5+");
+    SysFreeString(text);
 }
 
 TEST_F(InvokeThroughTypeLibrary, WritesThroughAPointerWithoutDirection) {
-    Value copy("old");
+    Bstr copy;
     std::vector<Value> arguments = Arguments("new");
-    arguments.push_back(Value(VT_VARIANT, &copy));
+    arguments.push_back(Reference(copy.put()));
     ASSERT_EQ(Call(10, std::move(arguments)), S_OK);
-    EXPECT_EQ(Narrow(copy.bstrVal), "new");
+    EXPECT_EQ(Narrow(copy.get()), "new");
 }
 
 TEST_F(InvokeThroughTypeLibrary, AsksObjectsForTheDeclaredInterface) {
@@ -162,21 +169,22 @@ TEST_F(InvokeThroughTypeLibrary, AsksObjectsForTheDeclaredInterface) {
     }
     Target other;
     other.isNoTarget = true;
-    EXPECT_EQ(Call(4, Arguments(static_cast<IUnknown*>(&other))), DISP_E_TYPEMISMATCH);
+    // Wine answers the object's own refusal, and keeps a reference then.
+    EXPECT_EQ(Call(4, Arguments(static_cast<IUnknown*>(&other))), OnWine() ? E_NOINTERFACE : DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Call(4, Arguments(LONG{1})), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Call(4, Arguments(static_cast<IUnknown*>(nullptr))), S_OK);
     EXPECT_EQ(m_target.references, 1U);
-    EXPECT_EQ(other.references, 1U);
+    EXPECT_EQ(other.references, OnWine() ? 2U : 1U);
 }
 
-TEST_F(InvokeThroughTypeLibrary, AnswersTheMethodsOwnFailureAndWhatItExplains) {
-    Value info;
-    Value result(LONG{5});
+TEST_F(InvokeThroughTypeLibrary, TellsTheMethodsOwnFailureAndWhatItExplains) {
+    Bstr info;
     std::vector<Value> arguments;
-    arguments.push_back(Value(VT_VARIANT, &info));
-    EXPECT_EQ(Call(5, std::move(arguments), &result), kOwnStatus);
-    EXPECT_EQ(Narrow(info.bstrVal), "why");
-    EXPECT_EQ(result.vt, VT_EMPTY);
+    arguments.push_back(Reference(info.put()));
+    EXPECT_EQ(Call(5, std::move(arguments)), DISP_E_EXCEPTION);
+    EXPECT_EQ(m_exception.scode, kOwnStatus);
+    EXPECT_EQ(m_exception.bstrDescription, nullptr);
+    EXPECT_EQ(Narrow(info.get()), "why");
 }
 
 TEST_F(InvokeThroughTypeLibrary, ReadsAndWritesProperties) {
@@ -192,12 +200,12 @@ TEST_F(InvokeThroughTypeLibrary, TakesNamedArguments) {
     Value result;
     ASSERT_EQ(Call(1, Arguments("a", LONG{10}, LONG{0}, LONG{20}), &result, DISPATCH_METHOD, {2, 3}), S_OK);
     EXPECT_EQ(Narrow(result.bstrVal), "a 10 20 0");
-    // No such parameter, and one that has its argument already.
-    EXPECT_EQ(Call(1, Arguments("a", LONG{1}, LONG{2}, LONG{3}), nullptr, DISPATCH_METHOD, {0}),
-              DISP_E_PARAMNOTFOUND);
-    EXPECT_EQ(Call(1, Arguments("a", LONG{1}, LONG{2}, LONG{3}), nullptr, DISPATCH_METHOD, {17}),
-              DISP_E_PARAMNOTFOUND);
-    EXPECT_EQ(m_wrong, 0U);
+    // A parameter that has its argument already, and one that does not exist. Wine has other statuses for them.
+    for (const DISPID name : {0, 17}) {
+        const HRESULT hr = Call(1, Arguments("a", LONG{1}, LONG{2}, LONG{3}), nullptr, DISPATCH_METHOD, {name});
+        EXPECT_TRUE(hr == DISP_E_PARAMNOTFOUND || (OnWine() && FAILED(hr))) << name;
+        EXPECT_EQ(m_wrong, OnWine() ? kNone : 0U);
+    }
 }
 
 TEST_F(InvokeThroughTypeLibrary, PassesNineParameters) {
@@ -241,9 +249,6 @@ TEST_F(InvokeThroughTypeLibrary, CallsATableWithoutDispatchMethods) {
     ASSERT_EQ(type->Invoke(instance, 1, DISPATCH_METHOD, &params, &result, nullptr, nullptr), S_OK);
     EXPECT_EQ(result.lVal, 42);
 }
-
-// A late-bound caller written in another language could not catch it.
-TEST_F(InvokeThroughTypeLibrary, KeepsAnExceptionFromTheCaller) { EXPECT_EQ(Call(6, {}), E_UNEXPECTED); }
 
 }  // namespace
 }  // namespace wncom::test

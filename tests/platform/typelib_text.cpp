@@ -128,4 +128,17 @@ std::string ClassText(ITypeInfo& type) {
     return text;
 }
 
+std::string LibraryText(ITypeLib& library) {
+    std::string text;
+    for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+        ITypeInfo* info = nullptr;
+        TYPEKIND kind = TKIND_ALIAS;
+        if (FAILED(library.GetTypeInfo(i, &info)) || FAILED(library.GetTypeInfoType(i, &kind)))
+            return text + "no type";
+        const Held<ITypeInfo> type(info);
+        text += kind == TKIND_COCLASS ? ClassText(*type) : InterfaceText(*TableView(*type));
+    }
+    return text;
+}
+
 }  // namespace wncom::test

@@ -32,5 +32,7 @@ std::string NameOf(ITypeInfo& type, MEMBERID member = MEMBERID_NIL);
 std::string InterfaceText(ITypeInfo& type);
 // "NAME flags=0x.. "help"", then for each interface "FLAGS NAME".
 std::string ClassText(ITypeInfo& type);
+// All types in their order; interfaces as their tables show them.
+std::string LibraryText(ITypeLib& library);
 
 }  // namespace wncom::test

@@ -73,16 +73,20 @@ TEST(Variant, TurnsTextsIntoNumbers) {
     EXPECT_EQ(Changed(Text("3.5"), VT_I4), "4");
     EXPECT_EQ(Changed(Text("4294967295"), VT_UI4), "4294967295");
     EXPECT_EQ(Changed(Text("1e3"), VT_R8), "1000");
+    EXPECT_EQ(Changed(Text("1e-400"), VT_R8), "0");
     EXPECT_EQ(Changed(Text(""), VT_I4), kMismatch);
     EXPECT_EQ(Changed(Text("12x"), VT_I4), kMismatch);
     EXPECT_EQ(Changed(Text("nan"), VT_R8), kMismatch);
-    EXPECT_EQ(Changed(Text(std::string("1\0", 2)), VT_I4), kMismatch);
+    // A number's text ends with its first zero.
+    EXPECT_EQ(Changed(Text(std::string("1\0x", 3)), VT_I4), "1");
     EXPECT_EQ(Changed(Text("2147483648"), VT_I4), kOverflow);
 }
 
 TEST(Variant, TurnsNumbersIntoTexts) {
     EXPECT_EQ(Changed(Number(-2147483647 - 1), VT_BSTR), "-2147483648");
     EXPECT_EQ(Changed(Fraction(0.1), VT_BSTR), "0.1");
+    EXPECT_EQ(Changed(Fraction(1e16), VT_BSTR), "1E+16");
+    EXPECT_EQ(Changed(Fraction(-0.0), VT_BSTR), "0");
     VARIANT flag{};
     flag.vt = VT_BOOL;
     flag.boolVal = VARIANT_TRUE;
@@ -93,7 +97,7 @@ TEST(Variant, TurnsNumbersIntoTexts) {
 TEST(Variant, KeepsNumbersWithinTheirRange) {
     EXPECT_EQ(Changed(Number(32768), VT_I2), kOverflow);
     EXPECT_EQ(Changed(Number(-32768), VT_I2), "-32768");
-    EXPECT_EQ(Changed(Number(-1), VT_UI4), kOverflow);
+    EXPECT_EQ(Changed(Fraction(-1), VT_UI4), kOverflow);
     EXPECT_EQ(Changed(Fraction(2147483647.4), VT_I4), "2147483647");
     EXPECT_EQ(Changed(Fraction(2147483647.5), VT_I4), kOverflow);
     EXPECT_EQ(Changed(VARIANT{}, VT_I4), "0");

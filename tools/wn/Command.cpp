@@ -21,7 +21,11 @@ std::string SystemText(DWORD code) {
     while (!result.empty() && (result.back() == '\n' || result.back() == '\r' || result.back() == '.')) {
         result.pop_back();
     }
-    return result.empty() ? "Unknown failure" : result;
+    // What the text is about stands before it.
+    if (const std::size_t insert = result.find("%1"); insert != std::string::npos) {
+        result.replace(insert, 2, "the file");
+    }
+    return result.empty() ? "Unknown failure" : FromNarrow(result);
 }
 
 }  // namespace

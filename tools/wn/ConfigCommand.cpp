@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/wn/Command.h"
+#include "tools/wn/RegistryView.h"
 #include "tools/wn/Setting.h"
 
 namespace wn {
@@ -18,6 +19,8 @@ const char* NameOf(Setting::From from) {
             return "initialisation file";
         case Setting::From::Environment:
             return "environment";
+        case Setting::From::CommandLine:
+            return "command line";
         case Setting::From::System:
             return "system";
         case Setting::From::Default:
@@ -36,6 +39,7 @@ std::string SourceOf(const Setting& setting) {
 
 void Run(bool json) {
     Settings settings;
+    AddViewSetting(settings);
     AddHostSettings(settings);
     AddTransportSettings(settings);
     AddComponentSettings(settings);

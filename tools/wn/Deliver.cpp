@@ -74,7 +74,7 @@ std::string FirstLine(const std::string& text) {
 
 }  // namespace
 
-bool CanDeliver() { return true; }
+void RequireDelivery() {}  // libcurl does it
 
 Delivery Deliver(const std::string& path, const std::string& address, int deliveryMethod) {
     InputFile file(path);

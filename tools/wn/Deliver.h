@@ -11,8 +11,8 @@ struct Delivery {
     double seconds;
 };
 
-// False in a build without an HTTP library.
-bool CanDeliver();
+// Throws CommandError in a build without an HTTP library, which delivers nothing.
+void RequireDelivery();
 
 // Sends the file's bytes with POST (delivery method 1) or PUT (3). Throws CommandError with the address when the
 // service cannot be reached, refuses the data or stops taking it for a minute.

@@ -30,8 +30,7 @@ void AddHostSettings(Settings& settings) {
     const bool utf8 = kCodePageKey.Read("ACP").value_or("") == std::to_string(CP_UTF8);
     const UINT page = GetACP();
     settings.push_back({"codePage", "code page", page, std::to_string(page),
-                        utf8 ? Setting::From::Registry : Setting::From::Default,
-                        RegistryPlace(kCodePageKey.path(), "ACP")});
+                        utf8 ? Setting::From::Registry : Setting::From::Default, kCodePageKey.place("ACP")});
 
     settings.push_back(VariableSetting("debuggerOutput", "debugger output", "WNCOM_DEBUG_OUTPUT", "standard error"));
 }

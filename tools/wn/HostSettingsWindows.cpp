@@ -6,8 +6,8 @@ namespace wn {
 
 void AddHostSettings(Settings& settings) {
     const UINT page = GetACP();
-    settings.push_back({"codePage", "code page", page, std::to_string(page), Setting::From::Registry,
-                        RegistryPlace(kCodePageKey.path(), "ACP")});
+    settings.push_back(
+        {"codePage", "code page", page, std::to_string(page), Setting::From::Registry, kCodePageKey.place("ACP")});
 }
 
 }  // namespace wn

@@ -6,17 +6,24 @@
 #include "tools/wn/ComSession.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/Paths.h"
+#include "tools/wn/Registration.h"
 
 namespace wn {
 namespace {
 
-using EntryPoint = HRESULT(STDAPICALLTYPE*)();
+struct Options {
+    std::vector<std::string> paths;
+    Audience audience = Audience::Everyone;
+};
 
 class Module {
 public:
     explicit Module(const std::string& path)
         : m_module(LoadLibraryExA(NarrowPath(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
-        if (!m_module) throw CommandError("Cannot load " + path + ": " + ErrorText(GetLastError()));
+        if (m_module) return;
+        const std::string error = ErrorText(GetLastError());
+        const std::string reason = WhyNotLoaded(path);
+        throw CommandError("Cannot load " + path + ": " + (reason.empty() ? error : reason));
     }
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
@@ -30,22 +37,25 @@ private:
     HMODULE m_module;
 };
 
-void CallEntryPoint(const std::vector<std::string>& paths, const char* entryPoint, const char* done, bool json) {
+void CallEntryPoint(const Options& options, const char* entryPoint, const char* done, bool json) {
     const ComSession session;
+    const std::string audience = NameOf(options.audience);
     Report report(json);
     report.PrintAfter([&] {
         nlohmann::json modules = nlohmann::json::array();
         report.Add("modules", "", modules, "");
-        for (const std::string& path : paths) {
+        if (!audience.empty()) report.Add("for", "", audience, "");
+        for (const std::string& path : options.paths) {
             // A registration must hold wherever it is used from.
             const std::string whole = WholeFile(path);
             const Module module(whole);
             const EntryPoint function = module.Find(entryPoint);
             if (!function) throw CommandError(whole + " is no component module: it has no " + entryPoint);
-            if (const HRESULT status = function(); FAILED(status)) {
-                throw CommandError(std::string(entryPoint) + " of " + whole + " failed: " + StatusText(status));
+            if (const HRESULT status = CallFor(options.audience, function); FAILED(status)) {
+                throw CommandError(std::string(entryPoint) + " of " + whole + " failed: " + StatusText(status) +
+                                   AdviceAfter(status, options.audience));
             }
-            report.Line(std::string(done) + " " + whole);
+            report.Line(std::string(done) + (audience.empty() ? " " : " for " + audience + ": ") + whole);
             modules.push_back(whole);
             report.Add("modules", "", modules, "");
         }
@@ -55,13 +65,14 @@ void CallEntryPoint(const std::vector<std::string>& paths, const char* entryPoin
 void AddCommand(CLI::App& app, const bool& json, const char* name, const char* help, const char* entryPoint,
                 const char* done) {
     CLI::App* command = app.add_subcommand(name, help);
-    auto paths = std::make_shared<std::vector<std::string>>();
-    command->add_option("MODULE", *paths, "Component module, such as wnCOM.dll")
+    auto options = std::make_shared<Options>();
+    command->add_option("MODULE", options->paths, "Component module, such as wnCOM.dll")
         ->type_name("")
         ->required()
         ->check(NotEmpty());
+    AddAudienceOption(command, options->audience);
     command->footer(std::string("Example:\n  wn ") + name + " wnCOM.dll wnComponents.dll");
-    command->callback([paths, entryPoint, done, &json] { CallEntryPoint(*paths, entryPoint, done, json); });
+    command->callback([options, entryPoint, done, &json] { CallEntryPoint(*options, entryPoint, done, json); });
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "tools/wn/RegistryKey.h"
 
 #include "tools/wn/Command.h"
+#include "tools/wn/RegistryView.h"
 #include "tools/wn/Texts.h"
 
 namespace wn {
@@ -20,23 +21,30 @@ private:
     HKEY m_key;
 };
 
-[[noreturn]] void Fail(const std::string& what, const std::string& path, LSTATUS error) {
-    throw CommandError(what + " HKEY_LOCAL_MACHINE\\" + path + ": " + ErrorText(static_cast<DWORD>(error)));
-}
-
-// Null when the key is absent.
-HKEY Open(const std::string& path, REGSAM access) {
-    HKEY key = nullptr;
-    const LSTATUS error = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access, &key);
-    if (error == ERROR_FILE_NOT_FOUND) return nullptr;
-    if (error != ERROR_SUCCESS) Fail("Cannot open", path, error);
-    return key;
+[[noreturn]] void Fail(const std::string& what, const std::string& place, LSTATUS error) {
+    throw CommandError(what + " " + place + ": " + ErrorText(static_cast<DWORD>(error)));
 }
 
 }  // namespace
 
+HKEY RegistryKey::Open(REGSAM access) const {
+    HKEY key = nullptr;
+    const LSTATUS error = RegOpenKeyExA(m_root, m_path.c_str(), 0, access | ViewAccess(), &key);
+    if (error == ERROR_FILE_NOT_FOUND) return nullptr;
+    if (error != ERROR_SUCCESS) Fail("Cannot open", place(), error);
+    return key;
+}
+
+std::string RegistryKey::place() const {
+    return (m_root == HKEY_CLASSES_ROOT ? "HKEY_CLASSES_ROOT\\" : "HKEY_LOCAL_MACHINE\\") + m_path;
+}
+
+std::string RegistryKey::place(const std::string& name) const {
+    return place() + ", " + (name.empty() ? "the default value" : "value " + name);
+}
+
 std::optional<std::string> RegistryKey::Read(const std::string& name) const {
-    const OpenKey key(Open(m_path, KEY_READ));
+    const OpenKey key(Open(KEY_READ));
     if (!key.get()) return std::nullopt;
     DWORD type = 0;
     DWORD size = 0;
@@ -47,13 +55,13 @@ std::optional<std::string> RegistryKey::Read(const std::string& name) const {
     std::string value(size, '\0');
     const LSTATUS error =
         RegQueryValueExA(key.get(), name.c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(value.data()), &size);
-    if (error != ERROR_SUCCESS) Fail("Cannot read", m_path, error);
+    if (error != ERROR_SUCCESS) Fail("Cannot read", place(), error);
     value.resize(size);
     return FromNarrow(value.substr(0, value.find('\0')));
 }
 
 std::optional<DWORD> RegistryKey::ReadNumber(const std::string& name) const {
-    const OpenKey key(Open(m_path, KEY_READ));
+    const OpenKey key(Open(KEY_READ));
     DWORD type = 0;
     DWORD number = 0;
     DWORD size = sizeof(number);
@@ -64,11 +72,11 @@ std::optional<DWORD> RegistryKey::ReadNumber(const std::string& name) const {
     return type == REG_DWORD && size == sizeof(number) ? std::optional(number) : std::nullopt;
 }
 
-bool RegistryKey::Exists() const { return OpenKey(Open(m_path, KEY_READ)).get() != nullptr; }
+bool RegistryKey::Exists() const { return OpenKey(Open(KEY_READ)).get() != nullptr; }
 
 std::vector<std::string> RegistryKey::Names() const {
     constexpr DWORD kLongestName = 16384;  // characters, with the terminator
-    const OpenKey key(Open(m_path, KEY_READ));
+    const OpenKey key(Open(KEY_READ));
     std::vector<std::string> names;
     std::string name(kLongestName, '\0');
     for (DWORD index = 0; key.get(); ++index) {
@@ -91,21 +99,21 @@ void RegistryKey::Write(const std::string& name, const std::string& value) const
                            std::to_string(GetACP()) + ") lacks one of its characters");
     }
     HKEY created = nullptr;
-    LSTATUS error = RegCreateKeyExA(HKEY_LOCAL_MACHINE, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                    KEY_WRITE, nullptr, &created, nullptr);
-    if (error != ERROR_SUCCESS) Fail("Cannot create", m_path, error);
+    LSTATUS error = RegCreateKeyExA(m_root, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                    KEY_WRITE | ViewAccess(), nullptr, &created, nullptr);
+    if (error != ERROR_SUCCESS) Fail("Cannot create", place(), error);
     const OpenKey key(created);
     error = RegSetValueExA(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(narrow->c_str()),
                            static_cast<DWORD>(narrow->size() + 1));
-    if (error != ERROR_SUCCESS) Fail("Cannot write", m_path, error);
+    if (error != ERROR_SUCCESS) Fail("Cannot write", place(), error);
 }
 
 bool RegistryKey::Remove(const std::string& name) const {
-    const OpenKey key(Open(m_path, KEY_WRITE));
+    const OpenKey key(Open(KEY_WRITE));
     if (!key.get()) return false;
     const LSTATUS error = RegDeleteValueA(key.get(), name.c_str());
     if (error == ERROR_FILE_NOT_FOUND) return false;
-    if (error != ERROR_SUCCESS) Fail("Cannot change", m_path, error);
+    if (error != ERROR_SUCCESS) Fail("Cannot change", place(), error);
     return true;
 }
 

@@ -1,4 +1,4 @@
-// One key of the registry, by its path under HKEY_LOCAL_MACHINE.
+// One key of the registry, in the view that wn works on.
 #pragma once
 
 #include <windows.h>
@@ -13,7 +13,8 @@ namespace wn {
 // absent key or value is no failure of a read or a removal.
 class RegistryKey {
 public:
-    explicit RegistryKey(std::string path) : m_path(std::move(path)) {}
+    // A path under HKEY_LOCAL_MACHINE, or under HKEY_CLASSES_ROOT, which shows what is registered for the user too.
+    explicit RegistryKey(std::string path, HKEY root = HKEY_LOCAL_MACHINE) : m_root(root), m_path(std::move(path)) {}
 
     // An empty name is the default value. Empty when absent; a value of another type counts as absent.
     std::optional<std::string> Read(const std::string& name) const;
@@ -26,9 +27,15 @@ public:
     // True when there was one.
     bool Remove(const std::string& name) const;
 
-    const std::string& path() const { return m_path; }
+    // "HKEY_LOCAL_MACHINE\PATH", and the same with ", value NAME" for one of its values.
+    std::string place() const;
+    std::string place(const std::string& name) const;
 
 private:
+    // Null when the key is absent.
+    HKEY Open(REGSAM access) const;
+
+    HKEY m_root;
     std::string m_path;
 };
 

@@ -1,6 +1,9 @@
 #include "tools/wn/Setting.h"
 
+#include <ole2.h>
+
 #include <cstdlib>
+#include <iterator>
 
 #include "tools/wn/CacheLifetime.h"
 #include "tools/wn/Paths.h"
@@ -19,7 +22,7 @@ namespace {
 // A text of the registry; without it, or with an empty one, what stands instead.
 Setting TextSetting(const std::string& name, const std::string& label, const RegistryKey& key, const char* value,
                     const std::string& otherwise) {
-    const std::string place = RegistryPlace(key.path(), value);
+    const std::string place = key.place(value);
     const std::string text = key.Read(value).value_or("");
     if (!text.empty()) return {name, label, text, text, Setting::From::Registry, place};
     if (!otherwise.empty()) return {name, label, otherwise, otherwise, Setting::From::Default, place};
@@ -34,7 +37,7 @@ Setting NumberSetting(const char* name, const char* label, const char* value, DW
             inForce,
             std::to_string(inForce) + " " + unit,
             configured ? Setting::From::Registry : Setting::From::Default,
-            RegistryPlace(kHttpTransportKey.path(), value)};
+            kHttpTransportKey.place(value)};
 }
 
 Setting LifetimeSetting() {
@@ -48,23 +51,22 @@ Setting LifetimeSetting() {
             InWindowsDirectory(kIniFile) + ", section " + kIniSection + ", key " + kIniKey};
 }
 
-// Which module serves a class.
+// Which module serves a class. ProgIDs are the same in every view of the registry, class ids are not.
 Setting ModuleSetting(const OLECHAR* progId) {
-    const std::string classes = "SOFTWARE\\Classes\\";
     const std::string label = ToUtf8(progId);
     const std::string name = "class:" + label;
-    const RegistryKey program(classes + label + "\\CLSID");
-    const std::optional<std::string> clsid = program.Read("");
-    if (!clsid)
-        return {name, label, nullptr, "not registered", Setting::From::Nowhere, RegistryPlace(program.path(), "")};
-    return TextSetting(name, label, RegistryKey(classes + "CLSID\\" + *clsid + "\\InprocServer32"), "", "");
+    CLSID clsid;
+    if (FAILED(CLSIDFromProgID(progId, &clsid))) {
+        const RegistryKey program(label + "\\CLSID", HKEY_CLASSES_ROOT);
+        return {name, label, nullptr, "not registered", Setting::From::Nowhere, program.place("")};
+    }
+    OLECHAR id[39];
+    StringFromGUID2(clsid, id, static_cast<int>(std::size(id)));
+    return TextSetting(name, label, RegistryKey("CLSID\\" + ToUtf8(id) + "\\InprocServer32", HKEY_CLASSES_ROOT), "",
+                       "");
 }
 
 }  // namespace
-
-std::string RegistryPlace(const std::string& path, const std::string& name) {
-    return "HKEY_LOCAL_MACHINE\\" + path + ", " + (name.empty() ? "the default value" : "value " + name);
-}
 
 Setting VariableSetting(const char* name, const char* label, const char* variable, const std::string& none) {
     const char* const value = std::getenv(variable);
@@ -93,8 +95,7 @@ void AddLoggingSettings(Settings& settings) {
         const std::optional<std::string> text = own ? own : common.Read(commonValue);
         const std::string name = std::string("log:") + component;
         const std::string label = std::string("log of ") + component;
-        const std::string place =
-            own ? RegistryPlace(kLoggingKey.path(), component) : RegistryPlace(common.path(), commonValue);
+        const std::string place = own ? kLoggingKey.place(component) : common.place(commonValue);
         if (text) {
             settings.push_back({name, label, *text, text->empty() ? "off" : *text, Setting::From::Registry, place});
         } else {
@@ -114,8 +115,7 @@ void AddComponentSettings(Settings& settings) {
     std::string names;
     for (const std::string& name : forced) names += (names.empty() ? "" : ", ") + name;
     settings.push_back({"outOfProcess", "out of process", forced, names.empty() ? "no component" : names,
-                        names.empty() ? Setting::From::Default : Setting::From::Registry,
-                        "HKEY_LOCAL_MACHINE\\" + kForceKey.path()});
+                        names.empty() ? Setting::From::Default : Setting::From::Registry, kForceKey.place()});
     for (const OLECHAR* progId :
          {wncom::kProgIdWendrelParent, wncom::kProgIdWendrel, wncom::kProgIdServiceDesc, wncom::kProgIdTransportDesc,
           wncom::kProgIdXMLSimpleAccessor, wncom::kProgIdXMLCacheMgr, wncom::kProgIdPortMap}) {

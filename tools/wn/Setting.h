@@ -9,7 +9,7 @@ namespace wn {
 
 struct Setting {
     // Nowhere: nothing is configured and there is no default.
-    enum class From { Registry, IniFile, Environment, System, Default, Nowhere };
+    enum class From { Registry, IniFile, Environment, CommandLine, System, Default, Nowhere };
 
     std::string name;              // in JSON
     std::string label;             // for people
@@ -21,8 +21,6 @@ struct Setting {
 };
 using Settings = std::vector<Setting>;
 
-// "HKEY_LOCAL_MACHINE\PATH, value NAME"; an empty name is the default value.
-std::string RegistryPlace(const std::string& path, const std::string& name);
 // An environment variable that may be set; without it the value is null, shown as none.
 Setting VariableSetting(const char* name, const char* label, const char* variable, const std::string& none);
 

@@ -61,8 +61,11 @@ std::string NameOfMethod(LONG method) {
 }
 
 void Run(const Options& options, bool json) {
-    // A data file that is not there must not leave a job waiting for it.
-    if (!options.data.empty()) InputFile probe(options.data);
+    // Data that cannot be delivered must not leave a job waiting for it.
+    if (!options.data.empty()) {
+        RequireDelivery();
+        const InputFile probe(options.data);
+    }
     const Submission job = Submit(options);
 
     // From here on the job exists: its addresses must not be lost, whatever becomes of its data.
@@ -94,11 +97,9 @@ void AddSubmitCommand(CLI::App& app, const bool& json) {
         ->required()
         ->check(NotEmpty());
     AddServiceOptions(command, options->service);
-    if (CanDeliver()) {
-        command->add_option("--data", options->data, "File to deliver to the address that the service gives")
-            ->type_name("FILE")
-            ->check(NotEmpty());
-    }
+    command->add_option("--data", options->data, "File to deliver to the address that the service gives")
+        ->type_name("FILE")
+        ->check(NotEmpty());
     command->footer(
         "Prints the addresses of the job as soon as the service has it, also when the delivery of the data fails\n"
         "afterwards. Example:\n"

@@ -2,9 +2,13 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "components/Utf8.h"
 #include "tools/wn/Command.h"
+#include "tools/wn/CommandLine.h"
+#include "tools/wn/RegistryView.h"
 #include "tools/wn/Texts.h"
 
 namespace {
@@ -35,10 +39,12 @@ int RefuseCommandLine(const CLI::App& app, const CLI::ParseError& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const wn::Utf8Terminal terminal;
     bool json = false;
     CLI::App app("Talks to device services through wnCOM, and configures it.", "wn");
     app.set_version_flag("--version", "wn 1.0");
     app.add_flag("--json", json, "Answer with JSON instead of lines for people");
+    wn::AddViewOption(app);
     app.require_subcommand(1);
     app.fallthrough();
     app.footer(
@@ -59,13 +65,16 @@ int main(int argc, char** argv) {
     wn::AddDirectoryCommands(app, json);
     wn::AddPortMapCommands(app, json);
     wn::AddConfigCommand(app, json);
-    for (int i = 1; i < argc; ++i) {
-        if (wncom::components::IsUtf8(argv[i])) continue;
+    const std::vector<std::string> arguments = wn::Arguments(argc, argv);
+    std::vector<const char*> texts;
+    for (const std::string& argument : arguments) texts.push_back(argument.c_str());
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        if (wncom::components::IsUtf8(arguments[i])) continue;
         PrintError("Argument " + std::to_string(i) + " is not UTF-8 text");
         return 2;
     }
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(texts.size()), texts.data());
         return 0;
     } catch (const CLI::Success& asked) {
         return app.exit(asked);
