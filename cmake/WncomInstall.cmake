@@ -29,6 +29,12 @@ foreach(program wn wndevice)
 endforeach()
 if(WIN32)
     install(FILES ${WNCOM_RUNTIME_LIBRARIES} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # For clients that use the modules without registration.
+    install(
+        FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/wnCOM.Classes.manifest
+              ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/wnComponents.Classes.manifest
+        DESTINATION ${CMAKE_INSTALL_BINDIR}
+    )
 else()
     # From wherever the tree is, so that it may be moved.
     file(RELATIVE_PATH to_libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})

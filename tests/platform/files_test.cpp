@@ -202,7 +202,12 @@ TEST(Files, AppendingProcessesKeepEachOthersLinesWhole) {
         for (Peer* peer : {&a, &b, &c}) EXPECT_EQ(peer->Result(), 0U);
     }
     const std::string text = ReadWholeFile(path);
-    ASSERT_EQ(text.size(), 900U * 201U);
+    // Wine looks for the end and writes in two steps, and two processes may find the same end.
+    if (OnWine()) {
+        ASSERT_EQ(text.size() % 201, 0U);
+    } else {
+        ASSERT_EQ(text.size(), 900U * 201U);
+    }
     for (std::size_t at = 0; at < text.size(); at += 201) {
         ASSERT_EQ(text.substr(at, 201), std::string(200, text[at]) + "\n") << "at " << at;
     }

@@ -19,7 +19,7 @@ public:
     ~Utf8Terminal();
 
 private:
-    unsigned m_previous;  // code page; 0 when there is none to go back to
+    [[maybe_unused]] unsigned m_previous;  // code page; 0 when there is none to go back to
 };
 
 }  // namespace wn
