@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "components/DualObject.h"
 #include "components/PortMapData.h"
 #include "components/ReservedRecordSlots.h"
 #include "components/TextProperty.h"
@@ -13,7 +14,7 @@
 namespace wncom::components {
 
 // Records that come out of the map are copies: what a client changes in them, or in the lists they hold, is its own.
-class PortMapContent : public ReservedRecordSlots {
+class PortMapContent : public ReservedRecordSlots<DualObject<IPortMapContent>> {
 public:
     HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return m_name.Get(name); }
     HRESULT STDMETHODCALLTYPE put_Name(BSTR name) override { return m_name.Put(name); }

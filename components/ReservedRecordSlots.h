@@ -1,12 +1,13 @@
 // The slots of a port-map record that nothing stands behind.
 #pragma once
 
-#include "components/DualObject.h"
 #include "wncom/PortMap.h"
 
 namespace wncom::components {
 
-class ReservedRecordSlots : public DualObject<IPortMapContent> {
+// Base implements the rest of IPortMapContent, or leaves it to a class derived from this one.
+template <class Base>
+class ReservedRecordSlots : public Base {
 public:
     HRESULT STDMETHODCALLTYPE Reserved13() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }

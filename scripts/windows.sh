@@ -117,7 +117,7 @@ make_wine_prefix() {
 start_wine_servers() {
     local prefix
     for prefix in "$wine_state"/prefix-*[0-9]; do
-        WINEPREFIX=$prefix "$wine_folder/wineserver" -p >/dev/null 2>&1 </dev/null
+        WINEPREFIX=$prefix "$wine_folder/wineserver" -p >/dev/null 2>&1 </dev/null || true
     done
 }
 

@@ -1,6 +1,7 @@
 // The fake cache manager: keeps tickets for the process in the script's answers, as long as the test lets it.
 #pragma once
 
+#include "components/ReservedCacheSlots.h"
 #include "tests/fakes/FakeObject.h"
 #include "wncom/XMLCacheMgr.h"
 
@@ -8,16 +9,9 @@ namespace wncom::test {
 
 // "XMLCacheMgr.FetchXML" answers the text that the test scripted for "XMLCacheMgr.FetchXML " and the key, or S_FALSE
 // when there is none. "XMLCacheMgr.PutXML" scripts it so.
-class FakeCacheMgr final : public FakeObject<IXMLCacheMgr> {
+class FakeCacheMgr final : public components::ReservedCacheSlots<FakeObject<IXMLCacheMgr>> {
 public:
-    HRESULT STDMETHODCALLTYPE Reserved7() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved9() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved10() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved12() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE PutXML(LPCOLESTR key, BSTR ticket, LONG seconds, LONG flags) override;
-    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE FetchXML(LPCOLESTR key, LONG flags, BSTR* ticket) override;
     HRESULT STDMETHODCALLTYPE RemoveXML(LPCOLESTR key) override;
 };

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "components/ReservedRecordSlots.h"
 #include "tests/fakes/FakeObject.h"
 #include "wncom/PortMap.h"
 
@@ -11,7 +12,7 @@ namespace wncom::test {
 
 // Operations enter the script under the record's name: "DeviceContent" and "ServiceContent" for created ones,
 // "Device" and "Service" for those that the map gives out.
-class FakeRecord final : public FakeObject<IPortMapContent> {
+class FakeRecord final : public components::ReservedRecordSlots<FakeObject<IPortMapContent>> {
 public:
     explicit FakeRecord(std::string name, FakeService service = {})
         : m_name(std::move(name)), m_address(service.address), m_transport(service.transport) {}
@@ -30,28 +31,6 @@ public:
     HRESULT STDMETHODCALLTYPE put_TransportInfo(BSTR entry) override {
         return TakeText(m_name + ".put_TransportInfo", entry, m_transport);
     }
-    HRESULT STDMETHODCALLTYPE Reserved13() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved15() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved16() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved17() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved18() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved19() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved20() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved21() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved22() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved23() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved24() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved25() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved26() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved27() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved28() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved29() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved30() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved31() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved32() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved33() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved34() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE get_ServiceList(IUnknown** list) override;
     HRESULT STDMETHODCALLTYPE put_ServiceList(IPortMapList* list) override;
 
