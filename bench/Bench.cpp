@@ -1,27 +1,13 @@
 #include "bench/Bench.h"
 
-#include <stdlib.h>
-
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
+#include "tests/support/Host.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {
-namespace {
-
-std::string MakeHome() {
-    std::string path = (std::filesystem::temp_directory_path() / "wncom-bench-XXXXXX").string();
-    if (!mkdtemp(path.data())) std::abort();
-    // The layer reads the variable once, at its first use; nothing of it runs before main.
-    setenv("WNCOM_HOME", path.c_str(), 1);
-    return path;
-}
-
-}  // namespace
 
 const std::string& HomePath() {
     static const std::string path = MakeHome();
@@ -90,7 +76,7 @@ int Run(int argc, char** argv) {
         benchmark::RunSpecifiedBenchmarks(&table);
         failed = table.failed();
     }
-    std::filesystem::remove_all(home);
+    test::RemoveHome(home, false);
     return failed ? 1 : 0;
 }
 
