@@ -11,7 +11,7 @@
 #include <string>
 
 #include "bench/Bench.h"
-#include "common/LoggingInternals.h"
+#include "common/logging/LoggingInternals.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::bench {

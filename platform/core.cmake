@@ -3,31 +3,31 @@ find_package(Threads REQUIRED)
 target_link_libraries(wnplatform PRIVATE Threads::Threads)
 target_sources(
     wnplatform
-    PRIVATE src/bstr.cpp
-            src/c_runtime_text.cpp
-            src/case_fold.cpp
-            src/class_servers.cpp
-            src/code_page_1252.cpp
-            src/code_pages.cpp
-            src/com.cpp
-            src/critical_sections.cpp
-            src/error_texts.cpp
-            src/errors.cpp
-            src/guid_text.cpp
-            src/guids.cpp
-            src/home.cpp
-            src/module_files.cpp
-            src/modules.cpp
-            src/paths.cpp
-            src/random_guids.cpp
-            src/registry.cpp
-            src/registry_api_keys.cpp
-            src/registry_api_values.cpp
-            src/registry_file.cpp
-            src/registry_handles.cpp
-            src/registry_keys.cpp
-            src/registry_output.cpp
-            src/registry_store.cpp
-            src/utf8.cpp
-            src/utf8_runs.cpp
+    PRIVATE com/Bstr.cpp
+            text/CRuntimeText.cpp
+            text/CaseFold.cpp
+            com/ClassServers.cpp
+            text/CodePage1252.cpp
+            text/CodePages.cpp
+            com/Com.cpp
+            sync/CriticalSections.cpp
+            core/ErrorTexts.cpp
+            core/Errors.cpp
+            com/GuidText.cpp
+            com/Guids.cpp
+            core/Home.cpp
+            processes/ModuleFiles.cpp
+            processes/Modules.cpp
+            files/Paths.cpp
+            com/RandomGuids.cpp
+            registry/Registry.cpp
+            registry/RegistryApiKeys.cpp
+            registry/RegistryApiValues.cpp
+            registry/RegistryFile.cpp
+            registry/RegistryHandles.cpp
+            registry/RegistryKeys.cpp
+            registry/RegistryOutput.cpp
+            registry/RegistryStore.cpp
+            text/Utf8.cpp
+            text/Utf8Runs.cpp
 )

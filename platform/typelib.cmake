@@ -5,7 +5,7 @@ set(description_sources
     typelib/Lexer.cpp
     typelib/Parser.cpp
     typelib/ParserAttributes.cpp
-    typelib/description.cpp
+    typelib/Description.cpp
 )
 target_sources(
     wnplatform
@@ -15,19 +15,19 @@ target_sources(
             typelib/Invoke.cpp
             typelib/TypeInfo.cpp
             typelib/TypeLib.cpp
-            typelib/loaded.cpp
-            typelib/loading.cpp
-            typelib/members.cpp
-            typelib/registration.cpp
-            typelib/registry_key.cpp
-            typelib/resource.cpp
-            typelib/texts.cpp
-            typelib/variant.cpp
-            typelib/variant_convert.cpp
-            typelib/variant_types.cpp
+            typelib/Loaded.cpp
+            typelib/Loading.cpp
+            typelib/Members.cpp
+            typelib/Registration.cpp
+            typelib/RegistryKey.cpp
+            typelib/Resource.cpp
+            typelib/Texts.cpp
+            typelib/Variant.cpp
+            typelib/VariantConvert.cpp
+            typelib/VariantTypes.cpp
 )
 
 # Built from the description's own sources alone, so that it runs before the layer exists.
-add_executable(wnidl typelib/wnidl.cpp src/guid_text.cpp ${description_sources})
+add_executable(wnidl typelib/wnidl.cpp com/GuidText.cpp ${description_sources})
 target_include_directories(wnidl PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
 target_link_libraries(wnidl PRIVATE wncom_options)

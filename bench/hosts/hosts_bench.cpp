@@ -11,7 +11,7 @@
 #include "bench/PairedRatio.h"
 #include "bench/Require.h"
 #include "bench/road/Road.h"
-#include "common/LoggingInternals.h"
+#include "common/logging/LoggingInternals.h"
 #include "tests/support/Com.h"
 #include "tests/support/Host.h"
 #include "tests/support/TestHome.h"

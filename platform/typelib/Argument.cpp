@@ -1,4 +1,4 @@
-#include "Argument.h"
+#include "platform/typelib/Argument.h"
 
 #include "oleauto.h"
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

@@ -1,4 +1,4 @@
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 namespace {

@@ -1,4 +1,4 @@
-#include "Checker.h"
+#include "platform/typelib/Checker.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

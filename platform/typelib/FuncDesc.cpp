@@ -1,6 +1,6 @@
-#include "FuncDesc.h"
+#include "platform/typelib/FuncDesc.h"
 
-#include "TypeInfo.h"
+#include "platform/typelib/TypeInfo.h"
 
 namespace wnplatform::typelib {
 

@@ -4,7 +4,7 @@
 #include <deque>
 #include <vector>
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

@@ -1,9 +1,9 @@
-#include "Invoke.h"
+#include "platform/typelib/Invoke.h"
 
 #include <new>
 
-#include "Argument.h"
 #include "oleauto.h"
+#include "platform/typelib/Argument.h"
 
 namespace wnplatform::typelib {
 namespace {

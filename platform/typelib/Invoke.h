@@ -1,7 +1,7 @@
 // Calling a method through its object's table of functions with the arguments of a late-bound caller.
 #pragma once
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

@@ -1,9 +1,9 @@
-#include "Lexer.h"
+#include "platform/typelib/Lexer.h"
 
 #include <charconv>
 #include <optional>
 
-#include "platform/src/guid_text.h"
+#include "platform/com/GuidText.h"
 
 namespace wnplatform::typelib {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

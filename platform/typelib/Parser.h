@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "Lexer.h"
-#include "description.h"
+#include "platform/typelib/Description.h"
+#include "platform/typelib/Lexer.h"
 
 namespace wnplatform::typelib {
 

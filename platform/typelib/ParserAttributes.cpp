@@ -1,4 +1,4 @@
-#include "Parser.h"
+#include "platform/typelib/Parser.h"
 
 namespace wnplatform::typelib {
 

@@ -1,15 +1,15 @@
-#include "TypeInfo.h"
+#include "platform/typelib/TypeInfo.h"
 
 #include <new>
 
-#include "FuncDesc.h"
-#include "Invoke.h"
-#include "TypeLib.h"
-#include "loaded.h"
-#include "members.h"
 #include "objbase.h"
-#include "platform/src/guarded.h"
-#include "texts.h"
+#include "platform/core/Guarded.h"
+#include "platform/typelib/FuncDesc.h"
+#include "platform/typelib/Invoke.h"
+#include "platform/typelib/Loaded.h"
+#include "platform/typelib/Members.h"
+#include "platform/typelib/Texts.h"
+#include "platform/typelib/TypeLib.h"
 
 const IID IID_ITypeInfo{0x00020401, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 

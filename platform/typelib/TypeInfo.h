@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "Counted.h"
-#include "description.h"
+#include "platform/typelib/Counted.h"
+#include "platform/typelib/Description.h"
 
 namespace wnplatform::typelib {
 

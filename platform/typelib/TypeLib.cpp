@@ -1,10 +1,10 @@
-#include "TypeLib.h"
+#include "platform/typelib/TypeLib.h"
 
 #include <algorithm>
 #include <new>
 
-#include "TypeInfo.h"
-#include "texts.h"
+#include "platform/typelib/Texts.h"
+#include "platform/typelib/TypeInfo.h"
 
 const IID IID_ITypeLib{0x00020402, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 

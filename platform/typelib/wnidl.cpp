@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "description.h"
+#include "platform/typelib/Description.h"
 
 namespace {
 

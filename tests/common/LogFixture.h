@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/LoggingInternals.h"
+#include "common/logging/LoggingInternals.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "common/LogFormat.h"
+#include "common/logging/LogFormat.h"
 
 namespace wncom {
 namespace {

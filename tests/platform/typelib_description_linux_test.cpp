@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "platform/typelib/description.h"
+#include "platform/typelib/Description.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {

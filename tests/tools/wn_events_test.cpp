@@ -1,9 +1,9 @@
 // wn events, with the real modules and a real device service.
 #include <nlohmann/json.hpp>
 
+#include "tests/libraries/EventConsumer.h"
 #include "tests/support/DeviceProcess.h"
 #include "tests/tools/WnFixture.h"
-#include "tests/transports/EventConsumer.h"
 
 namespace wncom::test {
 namespace {

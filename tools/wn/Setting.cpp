@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "libraries/http/Settings.h"
 #include "tools/wn/CacheLifetime.h"
 #include "tools/wn/Paths.h"
 #include "tools/wn/RegistryKey.h"
 #include "tools/wn/Texts.h"
-#include "transports/http/Settings.h"
 #include "wncom/Descriptions.h"
 #include "wncom/PortMap.h"
 #include "wncom/XMLCacheMgr.h"

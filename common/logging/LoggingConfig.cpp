@@ -1,0 +1,85 @@
+#include <windows.h>
+
+#include <charconv>
+#include <cstring>
+#include <limits>
+
+#include "common/logging/LoggingInternals.h"
+
+namespace wncom {
+namespace {
+
+class ReadKey {
+public:
+    explicit ReadKey(const char* path) noexcept {
+        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &m_key) != ERROR_SUCCESS) m_key = nullptr;
+    }
+    ReadKey(const ReadKey&) = delete;
+    ReadKey& operator=(const ReadKey&) = delete;
+    ~ReadKey() {
+        if (m_key) RegCloseKey(m_key);
+    }
+
+    explicit operator bool() const noexcept { return m_key != nullptr; }
+    // Whatever its type; false for a value that does not fit with its terminator. Null names the default value.
+    bool ReadText(const char* name, char (&text)[kLoggingConfigBytes]) const noexcept {
+        DWORD size = sizeof(text);
+        if (RegQueryValueExA(m_key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size) != ERROR_SUCCESS) {
+            return false;
+        }
+        // The registry stores what it was given, with or without a terminator.
+        if (size < sizeof(text)) text[size] = '\0';
+        return std::memchr(text, '\0', sizeof(text)) != nullptr;
+    }
+
+private:
+    HKEY m_key = nullptr;
+};
+
+// White space, then digits; anything else ends the number, and no digits are 0.
+std::uint32_t ReadNumber(const char* text) noexcept {
+    text += std::strspn(text, " \t\n\v\f\r");
+    std::uint32_t number = 0;
+    const auto result = std::from_chars(text, text + std::strlen(text), number);
+    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint32_t>::max() : number;
+}
+
+// Ends the field at the next comma and returns what stands behind it, null when there is none.
+char* CutField(char* field) noexcept {
+    char* comma = std::strchr(field, ',');
+    if (!comma) return nullptr;
+    *comma = '\0';
+    return comma + 1;
+}
+
+std::uint8_t ReadLevel(const char* text) noexcept { return static_cast<std::uint8_t>(ReadNumber(text)); }
+
+}  // namespace
+
+bool ReadLoggingConfig(const char* component, char (&configuration)[kLoggingConfigBytes]) noexcept {
+    if (const ReadKey key{"SOFTWARE\\Quillbeck\\QBNorvel\\Logging"}) {
+        return key.ReadText(component, configuration) || key.ReadText(nullptr, configuration);
+    }
+    const ReadKey parent{"SOFTWARE\\Quillbeck\\QBNorvel"};
+    return parent && parent.ReadText("Logging", configuration);
+}
+
+std::uint8_t ParseLoggingConfig(const char* configuration) noexcept {
+    if (!configuration) return 0;
+    char kind[kLoggingConfigBytes] = {};
+    std::strncpy(kind, configuration, sizeof(kind) - 1);
+
+    char* second = CutField(kind);
+    if (!second) return 0;
+    if (_stricmp(kind, "console") == 0) return InitLogging(ReadLevel(second), LogDestination::Console, nullptr, 0);
+    if (_stricmp(kind, "debug") == 0) return InitLogging(ReadLevel(second), LogDestination::Debugger, nullptr, 0);
+    if (_stricmp(kind, "file") != 0) return 0;
+
+    char* third = CutField(second);
+    if (!third) return 0;
+    const char* fourth = CutField(third);
+    if (!fourth) return InitLogging(ReadLevel(third), LogDestination::File, second, 0);
+    return InitLogging(ReadLevel(fourth), LogDestination::SizedFile, second, ReadNumber(third));
+}
+
+}  // namespace wncom

@@ -1,0 +1,150 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/core/Guarded.h"
+#include "platform/files/Descriptor.h"
+#include "platform/files/FileObject.h"
+#include "platform/files/IniText.h"
+#include "platform/files/Paths.h"
+#include "platform/files/Writing.h"
+#include "platform/text/Texts.h"
+#include "wnplatform/inspect.h"
+
+namespace wnplatform {
+namespace {
+
+// A settings file is small; one that is not is no settings file.
+constexpr off_t kLargestFile = 16 * 1024 * 1024;
+
+std::string IniPath(const char* file) {
+    const std::string path = Utf8FromNarrow(file);
+    const bool bare = path.find_first_of("/\\:") == std::string::npos;
+    return HostPathFromUtf8(bare ? Home() + "/windows/" + path : path);
+}
+
+// The file's bytes; nothing, with errno, when it cannot be read.
+std::optional<std::string> ReadText(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status;
+    if (!file || fstat(file.Get(), &status) != 0) return std::nullopt;
+    if (!S_ISREG(status.st_mode) || status.st_size > kLargestFile) {
+        errno = S_ISREG(status.st_mode) ? EFBIG : EACCES;
+        return std::nullopt;
+    }
+    std::string text(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t length = 0;
+    while (length < text.size()) {
+        const ssize_t got = read(file.Get(), text.data() + length, text.size() - length);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
+        length += static_cast<std::size_t>(got);
+    }
+    text.resize(length);
+    return text;
+}
+
+// The new text takes the old one's place in one step, so that readers and a crash find either of them whole.
+bool ReplaceText(const std::string& path, const std::string& text) {
+    std::string temporary = path + ".XXXXXX";
+    const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file) return false;
+    struct stat status;
+    const bool replaces = stat(path.c_str(), &status) == 0;
+    const bool written = WriteAll(file.Get(), text.data(), text.size(), false) == text.size() &&
+                         fchmod(file.Get(), replaces ? status.st_mode & 07777 : 0644) == 0 &&
+                         fsync(file.Get()) == 0 && rename(temporary.c_str(), path.c_str()) == 0;
+    if (written) return true;
+    const int error = errno;
+    unlink(temporary.c_str());
+    errno = error;
+    return false;
+}
+
+BOOL Write(std::string path, std::string_view section, std::optional<std::string_view> key,
+           std::optional<std::string_view> value) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    // The file itself is replaced, not a link to it.
+    if (const fs::path real = fs::canonical(path, error); !error) path = real.string();
+    const fs::path parent = fs::path(path).parent_path();
+    const Descriptor folder(open(parent.empty() ? "." : parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) return Fail(ERROR_PATH_NOT_FOUND);
+    // Two writers must not both begin with the same old text.
+    while (flock(folder.Get(), LOCK_EX) != 0) {
+        if (errno != EINTR) return Fail(ErrorFromErrno(errno));
+    }
+    std::optional<std::string> text = ReadText(path);
+    if (!text && errno != ENOENT) return Fail(PathError(errno, path));
+    const bool written = ReplaceText(path, WithIniValue(text.value_or(""), section, key, value));
+    const BOOL result = written ? TRUE : Fail(PathError(errno, path));
+    flock(folder.Get(), LOCK_UN);
+    return result;
+}
+
+// A number with a sign and a base ("0x", "0o", "0b"), up to the first character that is no digit of it; what does not
+// fit into 32 bits loses its upper ones.
+UINT NumberOf(std::string_view text) noexcept {
+    bool negative = false;
+    if (text.starts_with('-') || text.starts_with('+')) {
+        negative = text.front() == '-';
+        text.remove_prefix(1);
+    }
+    unsigned base = 10;
+    if (text.size() > 1 && text[0] == '0') {
+        base = text[1] == 'x' ? 16 : text[1] == 'o' ? 8 : text[1] == 'b' ? 2 : 10;
+        if (base != 10) text.remove_prefix(2);
+    }
+    UINT number = 0;
+    for (const char c : text) {
+        unsigned digit = base;
+        if (c >= '0' && c <= '9') digit = static_cast<unsigned>(c - '0');
+        if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') digit = static_cast<unsigned>((c | 0x20) - 'a' + 10);
+        if (digit >= base) break;
+        number = number * base + digit;
+    }
+    return negative ? 0U - number : number;
+}
+
+// A name or value that would read as something else once it is in the file.
+bool Fits(const char* text, std::string_view refused) noexcept {
+    return !text || std::string_view(text).find_first_of(refused) == std::string_view::npos;
+}
+
+}  // namespace
+}  // namespace wnplatform
+
+UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue, LPCSTR file) {
+    const UINT otherwise = static_cast<UINT>(defaultValue);
+    if (!section || !key || !file || !*file) return otherwise;
+    return wnplatform::Guarded(otherwise, [&] {
+        const std::optional<std::string> text = wnplatform::ReadText(wnplatform::IniPath(file));
+        if (!text) return otherwise;
+        const auto value = wnplatform::FindIniValue(*text, section, key);
+        return value && !value->empty() ? wnplatform::NumberOf(*value) : otherwise;
+    });
+}
+
+BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR file) {
+    using wnplatform::Fits;
+    return wnplatform::Guarded(FALSE, [&] {
+        const bool fits = section && *section && (!key || *key) && file && *file && Fits(section, "\r\n]") &&
+                          Fits(key, "\r\n=") && Fits(value, "\r\n");
+        if (!fits || (key && (*key == ';' || *key == '['))) return wnplatform::Fail(ERROR_INVALID_PARAMETER);
+        std::optional<std::string_view> newKey;
+        if (key) newKey = key;
+        std::optional<std::string_view> newValue;
+        if (value) newValue = value;
+        return wnplatform::Write(wnplatform::IniPath(file), section, newKey, newValue);
+    });
+}
