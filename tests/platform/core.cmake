@@ -13,13 +13,13 @@ wncom_add_test(
     platform_core_test
     LABELS threads
     DEPENDS platform_server platform_refusing platform_no_server
-    SOURCES bstr_test.cpp
-            code_pages_test.cpp
-            com_test.cpp
-            errors_test.cpp
-            modules_test.cpp
-            registry_test.cpp
-            runtime_text_test.cpp
+    SOURCES com/bstr_test.cpp
+            com/com_test.cpp
+            core/errors_test.cpp
+            processes/modules_test.cpp
+            registry/registry_test.cpp
+            text/code_pages_test.cpp
+            text/runtime_text_test.cpp
 )
 if(NOT WIN32)
     # On Windows an exception that leaves a module's start ends the process.
@@ -27,12 +27,15 @@ if(NOT WIN32)
     add_dependencies(platform_core_test platform_throwing)
     target_sources(
         platform_core_test
-        PRIVATE errors_linux_test.cpp guids_linux_test.cpp modules_linux_test.cpp paths_linux_test.cpp
-                registry_file_linux_test.cpp
+        PRIVATE com/guids_linux_test.cpp
+                core/errors_linux_test.cpp
+                files/paths_linux_test.cpp
+                processes/modules_linux_test.cpp
+                registry/registry_file_linux_test.cpp
     )
     target_compile_definitions(
         platform_core_test PRIVATE WNCOM_STATUS_HEADER="${CMAKE_SOURCE_DIR}/platform/include/winerror.h"
     )
 
-    wncom_add_test(platform_registry_processes_test SOURCES registry_processes_linux_test.cpp)
+    wncom_add_test(platform_registry_processes_test SOURCES registry/registry_processes_linux_test.cpp)
 endif()

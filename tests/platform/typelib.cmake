@@ -8,14 +8,20 @@ wncom_add_module(platform_invoke TYPELIB modules/invoke.idl EXPORTS Answer SOURC
 wncom_add_test(
     platform_typelib_test
     DEPENDS platform_typelib platform_invoke wnCOM
-    SOURCES typelib_contract_test.cpp typelib_invoke_test.cpp typelib_registration_test.cpp typelib_text.cpp
-            variant_test.cpp
+    SOURCES typelib/typelib_contract_test.cpp
+            typelib/typelib_invoke_test.cpp
+            typelib/typelib_registration_test.cpp
+            typelib/typelib_text.cpp
+            typelib/variant_test.cpp
 )
 if(NOT WIN32)
     target_sources(platform_typelib PRIVATE modules/typelib_second_linux.cpp)
     target_sources(
-        platform_typelib_test PRIVATE typelib_description_linux_test.cpp typelib_files_linux_test.cpp
-                                      typelib_invoke_linux_test.cpp typelib_registration_linux_test.cpp
+        platform_typelib_test
+        PRIVATE typelib/typelib_description_linux_test.cpp
+                typelib/typelib_files_linux_test.cpp
+                typelib/typelib_invoke_linux_test.cpp
+                typelib/typelib_registration_linux_test.cpp
     )
     add_dependencies(platform_typelib_test wnidl)
     target_compile_definitions(platform_typelib_test PRIVATE WNCOM_AGENT_IDL="${CMAKE_SOURCE_DIR}/agent/wnCOM.idl")

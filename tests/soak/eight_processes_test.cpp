@@ -8,7 +8,7 @@
 #include <sstream>
 #include <vector>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/samples/SampleFixture.h"
 #include "tests/soak/CacheTicket.h"
 #include "wncom/XMLCacheMgr.h"

@@ -4,7 +4,7 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/windows/WindowsFixture.h"
 
 namespace wncom::test {

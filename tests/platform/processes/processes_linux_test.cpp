@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {

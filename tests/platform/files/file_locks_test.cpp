@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tests/platform/OnWine.h"
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 
 namespace wncom::test {
 namespace {

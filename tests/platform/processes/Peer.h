@@ -10,8 +10,8 @@ namespace wncom::test {
 // The path of the peer's program.
 std::string PeerProgram();
 
-// The program of peer.cpp, running with a deed and its arguments, or another one; ended with the object, when it has
-// not ended itself.
+// The program of PeerProgram.cpp, running with a deed and its arguments, or another one; ended with the object, when
+// it has not ended itself.
 class Peer {
 public:
     explicit Peer(const std::string& arguments, const std::string& program = PeerProgram());

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 
 namespace wncom::test {
 namespace {

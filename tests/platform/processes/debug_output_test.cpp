@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/support/Host.h"
 #include "tests/support/TestHome.h"
 

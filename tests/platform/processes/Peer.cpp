@@ -1,4 +1,4 @@
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/platform/Peer.h"
+#include "tests/platform/processes/Peer.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {
