@@ -10,6 +10,7 @@ target_sources(
             text/CodePage1252.cpp
             text/CodePages.cpp
             com/Com.cpp
+            com/ErrorInfo.cpp
             sync/CriticalSections.cpp
             core/ErrorTexts.cpp
             core/Errors.cpp

@@ -192,6 +192,8 @@ struct TLIBATTR {
 };
 
 extern const IID IID_IDispatch;
+extern const IID IID_IErrorInfo;
+extern const IID IID_ICreateErrorInfo;
 extern const IID IID_ITypeInfo;
 extern const IID IID_ITypeLib;
 
@@ -248,4 +250,21 @@ struct ITypeLib : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE FindName(LPOLESTR name, ULONG hash, ITypeInfo** infos, MEMBERID* ids,
                                                USHORT* count) = 0;
     virtual void STDMETHODCALLTYPE ReleaseTLibAttr(TLIBATTR* attributes) = 0;
+};
+
+// Why a call failed, for the caller's caller: see SetErrorInfo.
+struct IErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetGUID(GUID* interfaceId) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetSource(BSTR* source) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetDescription(BSTR* description) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpFile(BSTR* helpFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpContext(DWORD* helpContext) = 0;
+};
+
+struct ICreateErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE SetGUID(REFGUID interfaceId) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetSource(LPOLESTR source) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetDescription(LPOLESTR description) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetHelpFile(LPOLESTR helpFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetHelpContext(DWORD helpContext) = 0;
 };

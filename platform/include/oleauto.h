@@ -12,6 +12,15 @@ void SysFreeString(BSTR text);
 UINT SysStringLen(BSTR text);      // units
 UINT SysStringByteLen(BSTR text);  // bytes
 
+// The thread's error object: the reason behind a failed call, left by the one who knows it and taken by whoever tells
+// the user. CreateErrorInfo makes an empty one, which the caller owns; it also answers IErrorInfo, and a text that
+// was never set reads as null. SetErrorInfo keeps a reference until the next one replaces it, GetErrorInfo takes it
+// or the thread ends; null takes the present one away. GetErrorInfo hands that reference to the caller: S_FALSE and
+// null when there is none. The reserved number is 0 (else E_INVALIDARG). COM need not be initialised.
+HRESULT CreateErrorInfo(ICreateErrorInfo** info);
+HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
+HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
+
 void VariantInit(VARIANT* variant);
 HRESULT VariantClear(VARIANT* variant);
 HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);

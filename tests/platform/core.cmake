@@ -15,6 +15,7 @@ wncom_add_test(
     DEPENDS platform_server platform_refusing platform_no_server
     SOURCES com/bstr_test.cpp
             com/com_test.cpp
+            com/error_info_test.cpp
             core/errors_test.cpp
             processes/modules_test.cpp
             registry/registry_test.cpp
