@@ -3,14 +3,14 @@
 
 #include "common/server/Object.h"
 #include "common/server/Server.h"
-#include "components/PortMap.h"
-#include "components/PortMapContent.h"
-#include "components/PortMapList.h"
-#include "components/ScriptAccess.h"
-#include "components/ServiceDesc.h"
-#include "components/TransportDesc.h"
-#include "components/XMLCacheMgr.h"
-#include "components/XMLSimpleAccessor.h"
+#include "components/cache/CacheManager.h"
+#include "components/descriptions/ScriptAdapter.h"
+#include "components/descriptions/ServiceDesc.h"
+#include "components/descriptions/TransportDesc.h"
+#include "components/portmap/DeviceDirectory.h"
+#include "components/portmap/PortMapContent.h"
+#include "components/portmap/PortMapList.h"
+#include "components/xml/XmlAccessor.h"
 
 namespace wncom::server {
 namespace {
@@ -19,10 +19,10 @@ using namespace wncom::components;
 
 constexpr ServedClass kClasses[] = {
     {CLSID_XMLSimpleAccessor, "XMLSimpleAccessor Class", "QBNORVEL.XMLSimpleAccessor.1", "QBNORVEL.XMLSimpleAccessor",
-     CreateObject<XMLSimpleAccessor>},
+     CreateObject<XmlAccessor>},
     {CLSID_XMLCacheMgr, "XMLCacheMgr Class", "QBNORVEL.XMLCacheMgr.1", "QBNORVEL.XMLCacheMgr",
-     CreateObject<XMLCacheMgr>},
-    {CLSID_PortMap, "PortMap Class", "QBNORVEL.PortMap.1", "QBNORVEL.PortMap", CreateObject<PortMap>},
+     CreateObject<CacheManager>},
+    {CLSID_PortMap, "PortMap Class", "QBNORVEL.PortMap.1", "QBNORVEL.PortMap", CreateObject<DeviceDirectory>},
     {CLSID_DeviceContent, "DeviceContent Class", "QBNORVEL.DeviceContent.1", "QBNORVEL.DeviceContent",
      CreateObject<PortMapContent>},
     {CLSID_ServiceContent, "ServiceContent Class", "QBNORVEL.ServiceContent.1", "QBNORVEL.ServiceContent",
@@ -34,7 +34,7 @@ constexpr ServedClass kClasses[] = {
     {CLSID_TransportDesc, "TransportDesc Class", "QBNORVEL.TransportDesc.1", "QBNORVEL.TransportDesc",
      CreateObject<TransportDesc>},
     {CLSID_ScriptAccess, "ScriptAccess Class", "QBNORVEL.ScriptAccess.1", "QBNORVEL.ScriptAccess",
-     CreateObject<ScriptAccess>},
+     CreateObject<ScriptAdapter>},
 };
 
 }  // namespace

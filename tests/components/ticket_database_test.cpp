@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "components/TicketDatabase.h"
+#include "components/cache/TicketDatabase.h"
 #include "tests/support/Com.h"
 #include "tests/support/TestHome.h"
 

@@ -1,7 +1,7 @@
 // The fake cache manager: keeps tickets for the process in the script's answers, as long as the test lets it.
 #pragma once
 
-#include "components/ReservedCacheSlots.h"
+#include "components/cache/ReservedCacheSlots.h"
 #include "tests/fakes/FakeObject.h"
 #include "wncom/XMLCacheMgr.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "components/ReservedRecordSlots.h"
+#include "components/portmap/ReservedRecordSlots.h"
 #include "tests/fakes/FakeObject.h"
 #include "wncom/PortMap.h"
 

@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "components/Problem.h"
-#include "components/XmlParse.h"
-#include "components/XmlSource.h"
+#include "components/xml/XmlParse.h"
+#include "components/xml/XmlSource.h"
 
 namespace wn {
 namespace {

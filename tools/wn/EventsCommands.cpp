@@ -4,7 +4,7 @@
 #include <pugixml.hpp>
 
 #include "components/Problem.h"
-#include "components/XmlParse.h"
+#include "components/xml/XmlParse.h"
 #include "tools/wn/Agent.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/Subscription.h"

@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "components/PortMapData.h"
 #include "components/Problem.h"
-#include "components/XmlSource.h"
+#include "components/portmap/PortMapData.h"
+#include "components/xml/XmlSource.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/InputFile.h"
 #include "tools/wn/Paths.h"

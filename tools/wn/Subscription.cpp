@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "components/Problem.h"
-#include "components/XmlParse.h"
+#include "components/xml/XmlParse.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/Texts.h"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "components/Problem.h"
-#include "components/XmlParse.h"
+#include "components/xml/XmlParse.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/InputFile.h"
 #include "tools/wn/Texts.h"

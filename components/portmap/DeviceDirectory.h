@@ -7,7 +7,7 @@
 namespace wncom::components {
 
 // Keeps nothing: each call answers from the file as it is then.
-class PortMap : public DualObject<IPortMap> {
+class DeviceDirectory : public DualObject<IPortMap> {
 public:
     HRESULT STDMETHODCALLTYPE GetDevices(IPortMapList** devices) override;
     HRESULT STDMETHODCALLTYPE GetMatchingDevices(IPortMapContent* device, IPortMapList** devices) override;

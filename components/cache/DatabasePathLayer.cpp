@@ -1,4 +1,4 @@
-#include "components/DatabasePath.h"
+#include "components/cache/DatabasePath.h"
 #include "wnplatform/inspect.h"
 
 namespace wncom::components {

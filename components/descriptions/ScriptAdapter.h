@@ -6,7 +6,7 @@
 
 namespace wncom::components {
 
-class ScriptAccess : public DualObject<IScriptAccess> {
+class ScriptAdapter : public DualObject<IScriptAccess> {
 public:
     HRESULT STDMETHODCALLTYPE AsObject(IUnknown* object, IDispatch** dispatch) override {
         if (!dispatch) return E_POINTER;

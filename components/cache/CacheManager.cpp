@@ -1,9 +1,9 @@
-#include "components/XMLCacheMgr.h"
+#include "components/cache/CacheManager.h"
 
 #include "common/Guard.h"
 #include "components/ConfiguredPath.h"
 #include "components/Problem.h"
-#include "components/TicketStore.h"
+#include "components/cache/TicketStore.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::components {
@@ -14,7 +14,7 @@ constexpr PathSetting kSetting = {"SOFTWARE\\Quillbeck\\QBNorvel\\XMLCache", "ca
 }  // namespace
 
 template <class Use>
-HRESULT XMLCacheMgr::WithPath(Use use) noexcept {
+HRESULT CacheManager::WithPath(Use use) noexcept {
     return Guarded([&]() -> HRESULT {
         try {
             if (m_path.empty()) m_path = ConfiguredPath(kSetting);
@@ -26,14 +26,14 @@ HRESULT XMLCacheMgr::WithPath(Use use) noexcept {
     });
 }
 
-HRESULT XMLCacheMgr::PutXML(LPCOLESTR key, BSTR ticket, LONG seconds, LONG flags) {
+HRESULT CacheManager::PutXML(LPCOLESTR key, BSTR ticket, LONG seconds, LONG flags) {
     if (!key || seconds <= 0 || flags != kCacheFlags) return E_INVALIDARG;
     return WithPath([&](const std::string& path) {
         return PutTicket(path, key, WideView(ticket, SysStringLen(ticket)), seconds);
     });
 }
 
-HRESULT XMLCacheMgr::FetchXML(LPCOLESTR key, LONG flags, BSTR* ticket) {
+HRESULT CacheManager::FetchXML(LPCOLESTR key, LONG flags, BSTR* ticket) {
     if (!ticket) return E_POINTER;
     *ticket = nullptr;
     if (!key || flags != kCacheFlags) return E_INVALIDARG;
@@ -45,7 +45,7 @@ HRESULT XMLCacheMgr::FetchXML(LPCOLESTR key, LONG flags, BSTR* ticket) {
     });
 }
 
-HRESULT XMLCacheMgr::RemoveXML(LPCOLESTR key) {
+HRESULT CacheManager::RemoveXML(LPCOLESTR key) {
     if (!key) return E_INVALIDARG;
     return WithPath([&](const std::string& path) { return RemoveTicket(path, key); });
 }

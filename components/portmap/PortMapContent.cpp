@@ -1,10 +1,10 @@
-#include "components/PortMapContent.h"
+#include "components/portmap/PortMapContent.h"
 
 #include <new>
 #include <utility>
 
 #include "common/Guard.h"
-#include "components/PortMapList.h"
+#include "components/portmap/PortMapList.h"
 
 namespace wncom::components {
 namespace {

@@ -1,8 +1,8 @@
 #include <optional>
 
-#include "components/DatabasePath.h"
 #include "components/Problem.h"
 #include "components/Utf8.h"
+#include "components/cache/DatabasePath.h"
 
 namespace wncom::components {
 

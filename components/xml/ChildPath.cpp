@@ -1,4 +1,4 @@
-#include "components/ChildPath.h"
+#include "components/xml/ChildPath.h"
 
 #include <utility>
 

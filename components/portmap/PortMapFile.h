@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "components/PortMapData.h"
+#include "components/portmap/PortMapData.h"
 
 namespace wncom::components {
 

@@ -1,4 +1,4 @@
-#include "components/XmlSource.h"
+#include "components/xml/XmlSource.h"
 
 #include <algorithm>
 #include <array>

@@ -1,12 +1,12 @@
-#include "components/TicketStore.h"
+#include "components/cache/TicketStore.h"
 
 #include <chrono>
 #include <memory>
 #include <mutex>
 
 #include "common/Guard.h"
-#include "components/DatabasePath.h"
-#include "components/TicketDatabase.h"
+#include "components/cache/DatabasePath.h"
+#include "components/cache/TicketDatabase.h"
 
 namespace wncom::components {
 namespace {

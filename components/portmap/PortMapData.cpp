@@ -1,10 +1,10 @@
-#include "components/PortMapData.h"
+#include "components/portmap/PortMapData.h"
 
 #include <algorithm>
 #include <initializer_list>
 
-#include "components/XmlParse.h"
-#include "components/XmlSource.h"
+#include "components/xml/XmlParse.h"
+#include "components/xml/XmlSource.h"
 
 namespace wncom::components {
 namespace {

@@ -1,4 +1,4 @@
-#include "components/PortMap.h"
+#include "components/portmap/DeviceDirectory.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "common/Guard.h"
-#include "components/PortMapContent.h"
-#include "components/PortMapFile.h"
+#include "components/portmap/PortMapContent.h"
+#include "components/portmap/PortMapFile.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::components {
@@ -42,7 +42,7 @@ HRESULT SelectDevices(Test passes, std::vector<std::shared_ptr<const DeviceData>
 
 }  // namespace
 
-HRESULT PortMap::GetDevices(IPortMapList** devices) {
+HRESULT DeviceDirectory::GetDevices(IPortMapList** devices) {
     if (!devices) return E_POINTER;
     *devices = nullptr;
     return Guarded([&]() -> HRESULT {
@@ -52,7 +52,7 @@ HRESULT PortMap::GetDevices(IPortMapList** devices) {
     });
 }
 
-HRESULT PortMap::GetMatchingDevices(IPortMapContent* device, IPortMapList** devices) {
+HRESULT DeviceDirectory::GetMatchingDevices(IPortMapContent* device, IPortMapList** devices) {
     if (!device || !devices) return E_POINTER;
     *devices = nullptr;
     return Guarded([&]() -> HRESULT {

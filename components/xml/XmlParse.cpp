@@ -1,9 +1,9 @@
-#include "components/XmlParse.h"
+#include "components/xml/XmlParse.h"
 
 #include <algorithm>
 #include <new>
 
-#include "components/XmlSource.h"
+#include "components/xml/XmlSource.h"
 
 namespace wncom::components {
 namespace {

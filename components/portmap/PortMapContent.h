@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "components/DualObject.h"
-#include "components/PortMapData.h"
-#include "components/ReservedRecordSlots.h"
 #include "components/TextProperty.h"
+#include "components/portmap/PortMapData.h"
+#include "components/portmap/ReservedRecordSlots.h"
 #include "wncom/CPComPtr.h"
 #include "wncom/PortMap.h"
 

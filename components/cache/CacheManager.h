@@ -4,12 +4,12 @@
 #include <string>
 
 #include "components/DualObject.h"
-#include "components/ReservedCacheSlots.h"
+#include "components/cache/ReservedCacheSlots.h"
 #include "wncom/XMLCacheMgr.h"
 
 namespace wncom::components {
 
-class XMLCacheMgr : public ReservedCacheSlots<DualObject<IXMLCacheMgr>> {
+class CacheManager : public ReservedCacheSlots<DualObject<IXMLCacheMgr>> {
 public:
     HRESULT STDMETHODCALLTYPE PutXML(LPCOLESTR key, BSTR ticket, LONG seconds, LONG flags) override;
     HRESULT STDMETHODCALLTYPE FetchXML(LPCOLESTR key, LONG flags, BSTR* ticket) override;

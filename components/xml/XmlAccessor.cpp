@@ -1,11 +1,11 @@
-#include "components/XMLSimpleAccessor.h"
+#include "components/xml/XmlAccessor.h"
 
 #include <optional>
 #include <utility>
 
 #include "common/Guard.h"
-#include "components/XmlParse.h"
-#include "components/XmlSource.h"
+#include "components/xml/XmlParse.h"
+#include "components/xml/XmlSource.h"
 
 namespace wncom::components {
 namespace {
@@ -63,7 +63,7 @@ std::optional<std::string> Evaluate(const std::string& text, pugi::xml_node top,
 
 }  // namespace
 
-HRESULT XMLSimpleAccessor::SetDelimiter(BSTR delimiter) {
+HRESULT XmlAccessor::SetDelimiter(BSTR delimiter) {
     return Guarded([&]() -> HRESULT {
         std::optional<std::string> text = ToUtf8(View(delimiter));
         if (!text) return E_INVALIDARG;
@@ -72,7 +72,7 @@ HRESULT XMLSimpleAccessor::SetDelimiter(BSTR delimiter) {
     });
 }
 
-HRESULT XMLSimpleAccessor::LoadXML(BSTR document) {
+HRESULT XmlAccessor::LoadXML(BSTR document) {
     return Guarded([&]() -> HRESULT {
         m_walker.Forget();
         m_top = {};
@@ -81,7 +81,7 @@ HRESULT XMLSimpleAccessor::LoadXML(BSTR document) {
     });
 }
 
-HRESULT XMLSimpleAccessor::Load(WideView document) {
+HRESULT XmlAccessor::Load(WideView document) {
     if (document.empty()) return E_INVALIDARG;
     const bool isXml = LooksLikeXml(document);
     try {
@@ -102,7 +102,7 @@ HRESULT XMLSimpleAccessor::Load(WideView document) {
     return S_OK;
 }
 
-HRESULT XMLSimpleAccessor::GetXML(BSTR query, LONG flag, BSTR* text) {
+HRESULT XmlAccessor::GetXML(BSTR query, LONG flag, BSTR* text) {
     if (!text) return E_POINTER;
     *text = nullptr;
     if (flag != kAllMatches && flag != kFirstMatch) return E_INVALIDARG;
@@ -114,7 +114,7 @@ HRESULT XMLSimpleAccessor::GetXML(BSTR query, LONG flag, BSTR* text) {
     });
 }
 
-HRESULT XMLSimpleAccessor::Query(const std::string& query, bool firstOnly, BSTR* text) {
+HRESULT XmlAccessor::Query(const std::string& query, bool firstOnly, BSTR* text) {
     std::optional<std::string> answer;
     if (const auto nodes = m_walker.Find(m_top, query)) {
         answer = Join(*nodes, m_delimiter, firstOnly, AppendText);

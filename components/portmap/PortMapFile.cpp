@@ -1,4 +1,4 @@
-#include "components/PortMapFile.h"
+#include "components/portmap/PortMapFile.h"
 
 #include <chrono>
 #include <memory>
@@ -7,7 +7,7 @@
 
 #include "common/Guard.h"
 #include "components/ConfiguredPath.h"
-#include "components/XmlSource.h"
+#include "components/xml/XmlSource.h"
 
 namespace wncom::components {
 namespace {

@@ -1,4 +1,4 @@
-#include "components/PortMapList.h"
+#include "components/portmap/PortMapList.h"
 
 #include <utility>
 

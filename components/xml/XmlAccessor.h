@@ -5,14 +5,14 @@
 
 #include <string>
 
-#include "components/ChildPath.h"
 #include "components/DualObject.h"
 #include "components/Utf8.h"
+#include "components/xml/ChildPath.h"
 #include "wncom/XMLSimpleAccessor.h"
 
 namespace wncom::components {
 
-class XMLSimpleAccessor : public DualObject<IXMLSimpleAccessor> {
+class XmlAccessor : public DualObject<IXMLSimpleAccessor> {
 public:
     HRESULT STDMETHODCALLTYPE Reserved7() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE SetDelimiter(BSTR delimiter) override;

@@ -1,4 +1,4 @@
-#include "components/TicketDatabase.h"
+#include "components/cache/TicketDatabase.h"
 
 #include <algorithm>
 #include <array>
