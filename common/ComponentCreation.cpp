@@ -2,11 +2,10 @@
 
 #include <ole2.h>
 
-#include <memory>
-#include <type_traits>
 #include <utility>
 
 #include "common/CPWStringBuffer.h"
+#include "common/OpenKey.h"
 #include "wncom/CPComPtr.h"
 #include "wncom/Logging.h"
 
@@ -16,18 +15,10 @@ namespace {
 constexpr char kForceKey[] = "SOFTWARE\\Quillbeck\\QBNorvel\\ForceToOutOfProc";
 constexpr DWORD kForceValueBytes = 260;
 
-struct KeyClose {
-    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
-};
-using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyClose>;
-
 // Any terminated text counts, whatever it says.
-bool HasText(HKEY key, const char* name) noexcept {
-    BYTE data[kForceValueBytes];
-    DWORD size = sizeof(data);
-    DWORD type = REG_NONE;
-    if (RegQueryValueExA(key, name, nullptr, &type, data, &size) != ERROR_SUCCESS) return false;
-    return (type == REG_SZ || type == REG_EXPAND_SZ) && size > 0 && size <= sizeof(data) && data[size - 1] == 0;
+bool HasText(const OpenKey& key, const char* name) noexcept {
+    const auto value = key.Read<kForceValueBytes>(name);
+    return value && value.IsText() && value.bytes().ends_with('\0');
 }
 
 // Administrators keep an unstable component out of the client's process by a text value of its name.
@@ -36,16 +27,15 @@ DWORD ChooseContext(LPCOLESTR progId) noexcept {
     CPBstrBuffer temp(progId);
     WNCOM_LOG(8, "PlatformServices::CreateInstance() just created temp");
 
-    HKEY opened = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kForceKey, 0, KEY_READ, &opened) != ERROR_SUCCESS) {
+    OpenKey key;
+    if (key.Open(HKEY_LOCAL_MACHINE, kForceKey) != ERROR_SUCCESS) {
         WNCOM_LOG(8, "PlatformServices::CreateInstance() could not find forcekey");
         return kAnywhere;
     }
-    const OwnedKey key(opened);
     WNCOM_LOG(8, "PlatformServices::CreateInstance() found forcekey");
     // A null name would read the key's default value.
     const char* name = temp.GetMultiByte();
-    if (name && HasText(key.get(), name)) {
+    if (name && HasText(key, name)) {
         WNCOM_LOG(8, "PlatformServices::CreateInstance() found string value in forcekey");
         return CLSCTX_LOCAL_SERVER;
     }

@@ -2,10 +2,8 @@
 
 #include <ole2.h>
 
-#include <memory>
-#include <type_traits>
-
 #include "common/CPWStringBuffer.h"
+#include "common/Owned.h"
 #include "wncom/CPComPtr.h"
 #include "wncom/Logging.h"
 
@@ -15,22 +13,9 @@ namespace {
 constexpr DWORD kWaitMilliseconds = 500;
 constexpr DWORD kLongestWaitMilliseconds = 3000;
 
-struct ModuleFree {
-    void operator()(HMODULE module) const noexcept { FreeLibrary(module); }
-};
-using OwnedModule = std::unique_ptr<std::remove_pointer_t<HMODULE>, ModuleFree>;
-
-struct HandleClose {
-    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, HandleClose>;
-
 bool FileExists(const char* path) noexcept {
     WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA(path, &found);
-    if (search == INVALID_HANDLE_VALUE) return false;
-    FindClose(search);
-    return true;
+    return static_cast<bool>(OwnedSearch(FindFirstFileA(path, &found)));
 }
 
 void MakeSmallLetters(WCHAR* text) noexcept {
@@ -77,7 +62,7 @@ HRESULT RegisterLibrary(CPHeapBuffer& path, bool registerModule) noexcept {
 
 OwnedHandle StartHidden(CPHeapBuffer& commandLine) noexcept {
     const char* narrow = commandLine.GetMultiByte();
-    if (!narrow) return nullptr;
+    if (!narrow) return {};
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESHOWWINDOW;
@@ -86,7 +71,7 @@ OwnedHandle StartHidden(CPHeapBuffer& commandLine) noexcept {
     // The text is the buffer's own and writable, should the system want to cut it.
     if (!CreateProcessA(nullptr, const_cast<char*>(narrow), nullptr, nullptr, FALSE,
                         DETACHED_PROCESS | NORMAL_PRIORITY_CLASS, nullptr, nullptr, &startup, &process)) {
-        return nullptr;
+        return {};
     }
     CloseHandle(process.hThread);
     return OwnedHandle(process.hProcess);

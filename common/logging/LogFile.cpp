@@ -40,15 +40,14 @@ bool LogFile::Open(const char* path) noexcept {
         OutputDebugStringA("Logging - warning: unable to set security on log file.\n");
         security.lpSecurityDescriptor = nullptr;
     }
-    const HANDLE file = CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security,
-                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    m_file = file;
+    m_file.reset(CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security,
+                             OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!m_file) return false;
 
     char name[kMutexNameBytes];
     MakeMutexName(path, name);
-    m_mutex = OpenMutexA(SYNCHRONIZE | MUTEX_MODIFY_STATE, TRUE, name);
-    if (!m_mutex) m_mutex = CreateMutexA(&security, FALSE, name);
+    m_mutex.reset(OpenMutexA(SYNCHRONIZE | MUTEX_MODIFY_STATE, TRUE, name));
+    if (!m_mutex) m_mutex.reset(CreateMutexA(&security, FALSE, name));
     if (m_mutex) return true;
     OutputDebugStringA("QB Logging - unable to create mutex!!! \t--> ");
     OutputDebugStringA(name);
@@ -61,23 +60,21 @@ LogFile::Outcome LogFile::Append(std::string_view text) noexcept {
     // The file's end wherever it is, found and written in one step.
     OVERLAPPED end{};
     end.Offset = end.OffsetHigh = 0xFFFFFFFF;
-    if (!Obtain(m_mutex, kLineWait)) return Outcome::Dropped;
+    if (!Obtain(m_mutex.get(), kLineWait)) return Outcome::Dropped;
     DWORD written = 0;
-    const bool whole =
-        WriteFile(m_file, text.data(), static_cast<DWORD>(text.size()), &written, &end) && written == text.size();
-    ReleaseMutex(m_mutex);
+    const bool whole = WriteFile(m_file.get(), text.data(), static_cast<DWORD>(text.size()), &written, &end) &&
+                       written == text.size();
+    ReleaseMutex(m_mutex.get());
     return whole ? Outcome::Written : Outcome::Failed;
 }
 
-bool LogFile::Lock() noexcept { return Obtain(m_mutex, kCloseWait); }
+bool LogFile::Lock() noexcept { return Obtain(m_mutex.get(), kCloseWait); }
 
-void LogFile::Unlock() noexcept { ReleaseMutex(m_mutex); }
+void LogFile::Unlock() noexcept { ReleaseMutex(m_mutex.get()); }
 
 void LogFile::Close() noexcept {
-    if (m_file) CloseHandle(m_file);
-    if (m_mutex) CloseHandle(m_mutex);
-    m_file = nullptr;
-    m_mutex = nullptr;
+    m_file.reset();
+    m_mutex.reset();
 }
 
 }  // namespace wncom

@@ -5,6 +5,8 @@
 
 #include <string_view>
 
+#include "common/Owned.h"
+
 namespace wncom {
 
 // Lines may be appended from any thread at once; opening and closing belong to one thread, and no line is appended
@@ -17,8 +19,8 @@ public:
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
-    bool IsOpen() const noexcept { return m_file != nullptr; }
-    HANDLE handle() const noexcept { return m_file; }
+    bool IsOpen() const noexcept { return static_cast<bool>(m_file); }
+    HANDLE handle() const noexcept { return m_file.get(); }
     // Opens or creates the file and its mutex, both for every user. False, with nothing open, for null and for a path
     // that cannot be opened.
     bool Open(const char* path) noexcept;
@@ -30,8 +32,8 @@ public:
     void Close() noexcept;
 
 private:
-    HANDLE m_file = nullptr;
-    HANDLE m_mutex = nullptr;
+    OwnedHandle m_file;
+    OwnedHandle m_mutex;
 };
 
 }  // namespace wncom

@@ -4,37 +4,19 @@
 #include <cstring>
 #include <limits>
 
+#include "common/OpenKey.h"
 #include "common/logging/LoggingInternals.h"
 
 namespace wncom {
 namespace {
 
-class ReadKey {
-public:
-    explicit ReadKey(const char* path) noexcept {
-        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &m_key) != ERROR_SUCCESS) m_key = nullptr;
-    }
-    ReadKey(const ReadKey&) = delete;
-    ReadKey& operator=(const ReadKey&) = delete;
-    ~ReadKey() {
-        if (m_key) RegCloseKey(m_key);
-    }
-
-    explicit operator bool() const noexcept { return m_key != nullptr; }
-    // Whatever its type; false for a value that does not fit with its terminator. Null names the default value.
-    bool ReadText(const char* name, char (&text)[kLoggingConfigBytes]) const noexcept {
-        DWORD size = sizeof(text);
-        if (RegQueryValueExA(m_key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size) != ERROR_SUCCESS) {
-            return false;
-        }
-        // The registry stores what it was given, with or without a terminator.
-        if (size < sizeof(text)) text[size] = '\0';
-        return std::memchr(text, '\0', sizeof(text)) != nullptr;
-    }
-
-private:
-    HKEY m_key = nullptr;
-};
+// Whatever its type; false for a value that does not fit with its terminator. Null names the default value.
+bool ReadText(const OpenKey& key, const char* name, char (&text)[kLoggingConfigBytes]) noexcept {
+    const auto value = key.Read<kLoggingConfigBytes>(name);
+    if (!value || !value.FitsTerminated()) return false;
+    std::strcpy(text, value.c_str());
+    return true;
+}
 
 // White space, then digits; anything else ends the number, and no digits are 0.
 std::uint32_t ReadNumber(const char* text) noexcept {
@@ -57,11 +39,12 @@ std::uint8_t ReadLevel(const char* text) noexcept { return static_cast<std::uint
 }  // namespace
 
 bool ReadLoggingConfig(const char* component, char (&configuration)[kLoggingConfigBytes]) noexcept {
-    if (const ReadKey key{"SOFTWARE\\Quillbeck\\QBNorvel\\Logging"}) {
-        return key.ReadText(component, configuration) || key.ReadText(nullptr, configuration);
+    OpenKey key;
+    if (key.Open(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quillbeck\\QBNorvel\\Logging") == ERROR_SUCCESS) {
+        return ReadText(key, component, configuration) || ReadText(key, nullptr, configuration);
     }
-    const ReadKey parent{"SOFTWARE\\Quillbeck\\QBNorvel"};
-    return parent && parent.ReadText("Logging", configuration);
+    return key.Open(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quillbeck\\QBNorvel") == ERROR_SUCCESS &&
+           ReadText(key, "Logging", configuration);
 }
 
 std::uint8_t ParseLoggingConfig(const char* configuration) noexcept {

@@ -26,7 +26,7 @@ public:
         *info = nullptr;
         if (index != 0) return DISP_E_BADINDEX;
         const HRESULT status = FindTypeInfo();
-        if (SUCCEEDED(status)) *info = CPComPtr<ITypeInfo>(m_typeInfo).detach();
+        if (SUCCEEDED(status)) m_typeInfo.copy_to(info);
         return status;
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,

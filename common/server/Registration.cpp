@@ -7,7 +7,9 @@
 #include <string>
 #include <utility>
 
+#include "common/CodePageText.h"
 #include "common/Guard.h"
+#include "common/OpenKey.h"
 #include "common/server/Server.h"
 #include "wncom/Bstr.h"
 #include "wncom/CPComPtr.h"
@@ -95,17 +97,10 @@ std::string DataOf(const ServedClass& served, Text text) {
 LSTATUS WriteRow(const ServedClass& served, const Row& row) {
     std::string key = RootKey(served, row.root);
     if (*row.subkey) key = key + "\\" + row.subkey;
-    HKEY handle = nullptr;
-    LSTATUS status = RegCreateKeyExA(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE,
-                                     nullptr, &handle, nullptr);
-    if (status != ERROR_SUCCESS) return status;
-    if (row.data != Text::None) {
-        const std::string data = DataOf(served, row.data);
-        status = RegSetValueExA(handle, row.valueName, 0, REG_SZ, reinterpret_cast<const BYTE*>(data.c_str()),
-                                static_cast<DWORD>(data.size() + 1));
-    }
-    RegCloseKey(handle);
-    return status;
+    OpenKey opened;
+    const LSTATUS status = opened.Create(HKEY_CLASSES_ROOT, key.c_str(), KEY_WRITE);
+    if (status != ERROR_SUCCESS || row.data == Text::None) return status;
+    return opened.WriteText(row.valueName, DataOf(served, row.data));
 }
 
 // A key that is not there is as good as removed.
@@ -135,13 +130,7 @@ HRESULT Unregister(const ServedClass& served) {
 
 // The library as the module's own file holds it, and where that file is.
 HRESULT OwnTypeLibrary(CPComPtr<ITypeLib>& library, Bstr& path) {
-    const std::string narrow = ModulePath();
-    const int units = MultiByteToWideChar(CP_ACP, 0, narrow.c_str(), -1, nullptr, 0);
-    if (units <= 1) return E_UNEXPECTED;
-    path = Bstr();
-    path.attach(SysAllocStringLen(nullptr, static_cast<UINT>(units - 1)));
-    if (!path) return E_OUTOFMEMORY;
-    MultiByteToWideChar(CP_ACP, 0, narrow.c_str(), -1, path.get(), units);
+    path = WidenToBstr(CP_ACP, ModulePath());
     return LoadTypeLib(path.get(), library.put());
 }
 

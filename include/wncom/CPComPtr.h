@@ -58,9 +58,14 @@ public:
     }
     // Hands the reference over to the caller.
     T* detach() noexcept { return std::exchange(m_object, nullptr); }
+    // Adds a reference for the caller and stores the pointer; null, and no reference, when nothing is held.
+    void copy_to(T** place) const noexcept {
+        if (m_object) m_object->AddRef();
+        *place = m_object;
+    }
 
-    // Asks the object for another interface; the result is empty on failure. E_POINTER when nothing is held. Lets
-    // through what the object throws.
+    // Asks the object for another interface and owns the reference that it adds; the result is empty on failure.
+    // E_POINTER when nothing is held. Lets through what the object throws.
     template <class U>
     HRESULT QueryInterface(CPComPtr<U>& other) const {
         void** place = other.put_void();
@@ -68,6 +73,14 @@ public:
         // What a failed query left there is nobody's reference.
         if (FAILED(status)) *place = nullptr;
         return status;
+    }
+
+    // The same for callers whom the status does not interest.
+    template <class U>
+    CPComPtr<U> query() const {
+        CPComPtr<U> other;
+        static_cast<void>(QueryInterface(other));
+        return other;
     }
 
     // Releases what is held and creates the component that the ProgID names; empty after a failure. See

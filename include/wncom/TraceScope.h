@@ -10,8 +10,9 @@ namespace wncom {
 // processes. Belongs to the calling thread.
 class TraceScope {
 public:
-    // The names (class, "::", method; source file) are kept as pointers: literals.
-    TraceScope(const char* function, const char* file, int line) noexcept;
+    // The names (class, "::", method; the class's file) are kept as pointers: literals. The line is the caller's own
+    // unless it is given.
+    TraceScope(const char* function, const char* file, int line = __builtin_LINE()) noexcept;
     TraceScope(const TraceScope&) = delete;
     TraceScope& operator=(const TraceScope&) = delete;
     ~TraceScope();
@@ -21,8 +22,5 @@ private:
     const char* m_file;
     OLECHAR m_callId[255];
 };
-
-// Traces the calling function from here on, with this line of this source file.
-#define WNCOM_TRACE(function) const ::wncom::TraceScope traceScope((function), __FILE_NAME__, __LINE__)
 
 }  // namespace wncom

@@ -85,10 +85,11 @@ TEST_F(TraceScopeLines, ObeyTheLevelAtTheExit) {
     EXPECT_THAT(CallIds(), SizeIs(2));
 }
 
-TEST_F(TraceScopeLines, NameTheSourceFileWithoutItsFolder) {
+TEST_F(TraceScopeLines, NameTheLineOfTheDeclarationUnlessOneIsGiven) {
     Start(FileConfig(5));
-    { WNCOM_TRACE("A::b"); }
-    EXPECT_THAT(Text(), testing::HasSubstr(" in file trace_scope_test.cpp @{"));
+    { const TraceScope scope("A::b", ".\\A"); }
+    EXPECT_THAT(Text(),
+                testing::HasSubstr("ENTER A::b on line " + std::to_string(__LINE__ - 1) + " in file .\\A @{"));
 }
 
 }  // namespace
