@@ -87,9 +87,9 @@ TEST_F(TraceScopeLines, ObeyTheLevelAtTheExit) {
 
 TEST_F(TraceScopeLines, NameTheLineOfTheDeclarationUnlessOneIsGiven) {
     Start(FileConfig(5));
+    const int line = __LINE__ + 1;
     { const TraceScope scope("A::b", ".\\A"); }
-    EXPECT_THAT(Text(),
-                testing::HasSubstr("ENTER A::b on line " + std::to_string(__LINE__ - 1) + " in file .\\A @{"));
+    EXPECT_THAT(Text(), testing::HasSubstr("ENTER A::b on line " + std::to_string(line) + " in file .\\A @{"));
 }
 
 }  // namespace
