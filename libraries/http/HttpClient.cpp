@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "libraries/http/Connections.h"
-#include "libraries/http/WireText.h"
+#include "libraries/http/shared/OneLine.h"
 #include "wncom/Logging.h"
 
 namespace wncom::http {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "libraries/http/ServiceAddress.h"
-#include "libraries/http/Settings.h"
+#include "libraries/http/shared/HttpAddress.h"
+#include "libraries/http/shared/Settings.h"
 
 namespace wncom::http {
 

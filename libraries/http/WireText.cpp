@@ -7,7 +7,6 @@
 namespace wncom::http {
 namespace {
 
-constexpr std::size_t kMessageBytes = 200;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // before the XML declaration no character may stand
 
 unsigned Byte(std::string_view text, std::size_t at) {
@@ -132,14 +131,6 @@ std::string XmlFromWire(std::string answer) {
         }
     }
     return narrow;
-}
-
-std::string OneLine(std::string_view text) {
-    std::string line(text.substr(0, kMessageBytes));
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return (c & 0xE0) == 0 || c == 0x7F; }, ' ');
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
 }
 
 }  // namespace wncom::http

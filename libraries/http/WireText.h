@@ -25,8 +25,4 @@ std::string XmlElement(const char* name, std::string_view text);
 // which means the same in element and attribute values. Throws std::runtime_error when the answer is no UTF-8.
 std::string XmlFromWire(std::string answer);
 
-// At most 200 bytes of a remote text on one line for a message, control characters blanked: what a device writes must
-// not pass for lines of the log.
-std::string OneLine(std::string_view text);
-
 }  // namespace wncom::http

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "libraries/http/Settings.h"
+#include "libraries/http/shared/Settings.h"
 #include "tools/wn/CacheLifetime.h"
 #include "tools/wn/Paths.h"
 #include "tools/wn/RegistryKey.h"

@@ -1,4 +1,4 @@
-#include "libraries/http/Settings.h"
+#include "libraries/http/shared/Settings.h"
 
 #include "wncom/Logging.h"
 
