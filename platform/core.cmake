@@ -25,9 +25,11 @@ target_sources(
             registry/RegistryApiKeys.cpp
             registry/RegistryApiValues.cpp
             registry/RegistryFile.cpp
+            registry/RegistryFormat.cpp
             registry/RegistryHandles.cpp
             registry/RegistryKeys.cpp
             registry/RegistryOutput.cpp
+            registry/RegistryParser.cpp
             registry/RegistryStore.cpp
             text/Utf8.cpp
             text/Utf8Runs.cpp

@@ -3,7 +3,7 @@
 // Keys and value names compare without regard to case; values are typed and keep their data byte for byte, so a
 // text may lack its terminator. Every function returns a system error code (ERROR_SUCCESS is 0) and leaves the
 // thread's last error alone, as on Windows. Names may not hold control characters. Any thread may call; a change is
-// seen by every process at its next call.
+// seen by every process at its next call. Keys lie at most 512 levels deep (ERROR_INVALID_PARAMETER).
 #pragma once
 
 #include "windef.h"
@@ -46,11 +46,10 @@ LSTATUS RegCloseKey(HKEY key);
 LSTATUS RegQueryValueExA(HKEY key, LPCSTR valueName, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size);
 LSTATUS RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
 LSTATUS RegDeleteValueA(HKEY key, LPCSTR valueName);
-// Deletes a key that has no subkeys, with its values.
-LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey);
-// Deletes a key with everything below it; a null subkey deletes the contents of the key itself.
+// Deletes a key with everything below it. The roots and "SOFTWARE\Classes" of HKEY_LOCAL_MACHINE stay
+// (ERROR_ACCESS_DENIED).
 LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey);
-// Subkeys come in the order of their names. The time of a key's last change is not kept: ask for none.
+// Subkeys and values come in the order of their names. The time of a key's last change is not kept: ask for none.
 LSTATUS RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, LPDWORD nameLength, LPDWORD reserved, LPSTR keyClass,
                       LPDWORD keyClassLength, FILETIME* lastWrite);
 LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, LPDWORD nameLength, LPDWORD reserved, LPDWORD type,

@@ -1,10 +1,12 @@
 // The registry functions that deal with keys.
-#include <algorithm>
-#include <cstring>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 #include "platform/registry/Registry.h"
 #include "platform/registry/RegistryHandles.h"
 #include "platform/registry/RegistryOutput.h"
+#include "platform/registry/RegistryText.h"
 
 using namespace wnplatform;
 
@@ -23,18 +25,6 @@ LSTATUS CheckPath(std::string_view path) {
     return ERROR_SUCCESS;
 }
 
-// The path from the top of the tree to what a handle and a subkey name.
-LSTATUS WholePath(HKEY handle, std::string_view subKey, std::string& path) {
-    if (const LSTATUS status = CheckPath(subKey); status != ERROR_SUCCESS) return status;
-    const RegistryView view = ViewRegistry();
-    if (view.status != ERROR_SUCCESS) return view.status;
-    const OpenedKey opened = ResolveKey(view, handle);
-    if (opened.status != ERROR_SUCCESS) return opened.status;
-    path = opened.key->Path();
-    if (!subKey.empty()) path.append("\\").append(subKey);
-    return ERROR_SUCCESS;
-}
-
 LSTATUS Open(HKEY handle, std::string_view subKey, REGSAM access, HKEY* result) {
     if (const LSTATUS status = CheckPath(subKey); status != ERROR_SUCCESS) return status;
     const RegistryView view = ViewRegistry();
@@ -47,31 +37,27 @@ LSTATUS Open(HKEY handle, std::string_view subKey, REGSAM access, HKEY* result) 
     return ERROR_SUCCESS;
 }
 
-bool IsRoot(const RegistryTree& tree, const RegistryKey& key) {
-    return key.parent == &tree.top || &key == tree.classes;
-}
-
-LSTATUS Delete(HKEY handle, std::string_view subKey, bool withContents) {
-    std::string path;
-    if (const LSTATUS status = WholePath(handle, subKey, path); status != ERROR_SUCCESS) return status;
-    return ChangeRegistry([&](RegistryTree& tree) -> LSTATUS {
-        RegistryKey* const key = tree.top.Descend(path);
-        if (!key) return ERROR_FILE_NOT_FOUND;
-        if (IsRoot(tree, *key) || (!withContents && !key->children.empty())) return ERROR_ACCESS_DENIED;
-        auto& siblings = key->parent->children;
-        siblings.erase(siblings.find(key->name));
+LSTATUS Create(HKEY handle, std::string_view subKey, DWORD& disposition) {
+    return ChangeRegistry([&](const RegistryView& view, std::string& lines) -> LSTATUS {
+        const OpenedKey opened = ResolveKey(view, handle);
+        if (opened.status != ERROR_SUCCESS) return opened.status;
+        if (opened.key->Descend(subKey)) return ERROR_SUCCESS;
+        const std::string path = opened.key->Path().append("\\").append(subKey);
+        if (RegistryDepth(path) > kMaxRegistryDepth) return ERROR_INVALID_PARAMETER;
+        disposition = REG_CREATED_NEW_KEY;
+        lines = KeyLine(path);
         return ERROR_SUCCESS;
     });
 }
 
-LSTATUS DeleteContents(HKEY handle) {
-    std::string path;
-    if (const LSTATUS status = WholePath(handle, {}, path); status != ERROR_SUCCESS) return status;
-    return ChangeRegistry([&](RegistryTree& tree) -> LSTATUS {
-        RegistryKey* const key = tree.top.Descend(path);
-        if (!key) return ERROR_KEY_DELETED;
-        key->children.clear();
-        key->values.clear();
+LSTATUS DeleteTree(HKEY handle, std::string_view subKey) {
+    return ChangeRegistry([&](const RegistryView& view, std::string& lines) -> LSTATUS {
+        const OpenedKey opened = ResolveKey(view, handle);
+        if (opened.status != ERROR_SUCCESS) return opened.status;
+        const RegistryKey* const key = opened.key->Descend(subKey);
+        if (!key) return ERROR_FILE_NOT_FOUND;
+        if (!view.tree->MayRemove(*key)) return ERROR_ACCESS_DENIED;
+        lines = RemovedKeyLine(key->Path());
         return ERROR_SUCCESS;
     });
 }
@@ -93,14 +79,7 @@ LSTATUS RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD reserved, LPSTR, DWORD, R
         DWORD done = REG_OPENED_EXISTING_KEY;
         LSTATUS status = Open(key, name.Text(), access, result);
         if (status == ERROR_FILE_NOT_FOUND) {
-            std::string path;
-            status = WholePath(key, name.Text(), path);
-            if (status != ERROR_SUCCESS) return status;
-            status = ChangeRegistry([&](RegistryTree& tree) -> LSTATUS {
-                if (!tree.top.Descend(path)) done = REG_CREATED_NEW_KEY;
-                tree.top.Make(path);
-                return ERROR_SUCCESS;
-            });
+            status = Create(key, name.Text(), done);
             if (status == ERROR_SUCCESS) status = Open(key, name.Text(), access, result);
         }
         if (status == ERROR_SUCCESS && disposition) *disposition = done;
@@ -114,16 +93,9 @@ LSTATUS RegCloseKey(HKEY key) {
         [&]() -> LSTATUS { return RemoveKeyHandle(LockRegistry(), key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE; });
 }
 
-LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey) {
-    if (!subKey) return ERROR_INVALID_PARAMETER;
-    return RegistryCall([&] { return Delete(key, RegistryName(subKey).Text(), false); });
-}
-
 LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey) {
-    return RegistryCall([&] {
-        const RegistryName name(subKey);
-        return name.Text().empty() ? DeleteContents(key) : Delete(key, name.Text(), true);
-    });
+    if (!subKey || !*subKey) return ERROR_INVALID_PARAMETER;
+    return RegistryCall([&] { return DeleteTree(key, RegistryName(subKey).Text()); });
 }
 
 LSTATUS RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, LPDWORD nameLength, LPDWORD reserved, LPSTR keyClass,

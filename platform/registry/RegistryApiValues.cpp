@@ -1,30 +1,29 @@
 // The registry functions that deal with values.
 #include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 #include "platform/registry/Registry.h"
 #include "platform/registry/RegistryHandles.h"
 #include "platform/registry/RegistryOutput.h"
+#include "platform/registry/RegistryText.h"
 
 using namespace wnplatform;
 
 namespace {
 
-// The handle's path from the top of the tree, if it may change values.
-LSTATUS PathToChange(HKEY handle, std::string& path) {
-    const RegistryView view = ViewRegistry();
-    if (view.status != ERROR_SUCCESS) return view.status;
-    const OpenedKey opened = ResolveKey(view, handle);
-    if (const LSTATUS status = opened.Require(KEY_SET_VALUE); status != ERROR_SUCCESS) return status;
-    path = opened.key->Path();
-    return ERROR_SUCCESS;
-}
-
-LSTATUS ChangeKey(HKEY handle, const std::function<LSTATUS(RegistryKey&)>& change) {
-    std::string path;
-    if (const LSTATUS status = PathToChange(handle, path); status != ERROR_SUCCESS) return status;
-    return ChangeRegistry([&](RegistryTree& tree) -> LSTATUS {
-        RegistryKey* const key = tree.top.Descend(path);
-        return key ? change(*key) : ERROR_KEY_DELETED;
+// Changes a value of a key by the line that the function makes of what the key has under that name; it is given null
+// for none.
+template <class MakeLine>
+LSTATUS ChangeValue(HKEY handle, std::string_view name, const MakeLine& makeLine) {
+    return ChangeRegistry([&](const RegistryView& view, std::string& lines) -> LSTATUS {
+        const OpenedKey opened = ResolveKey(view, handle);
+        if (const LSTATUS status = opened.Require(KEY_SET_VALUE); status != ERROR_SUCCESS) return status;
+        std::string line;
+        const LSTATUS status = makeLine(opened.key->Value(name), line);
+        if (status == ERROR_SUCCESS && !line.empty()) lines = KeyLine(opened.key->Path()) + line;
+        return status;
     });
 }
 
@@ -54,11 +53,9 @@ LSTATUS RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, c
         if (!IsValidName(name.Text())) return ERROR_INVALID_PARAMETER;
         RegistryValue taken;
         TakeRegistryData(taken, type, data, size);
-        return ChangeKey(key, [&](RegistryKey& changed) -> LSTATUS {
-            RegistryValue& value = changed.MakeValue(name.Text());
-            value.type = taken.type;
-            value.data = taken.data;
-            value.isPlainText = taken.isPlainText;
+        return ChangeValue(key, name.Text(), [&](const RegistryValue* known, std::string& line) -> LSTATUS {
+            // Modules that register themselves again say what is known.
+            if (!known || !known->HasDataOf(taken)) line = ValueLine(name.Text(), taken);
             return ERROR_SUCCESS;
         });
     });
@@ -67,8 +64,10 @@ LSTATUS RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, c
 LSTATUS RegDeleteValueA(HKEY key, LPCSTR valueName) {
     return RegistryCall([&] {
         const RegistryName name(valueName);
-        return ChangeKey(key, [&](RegistryKey& changed) -> LSTATUS {
-            return changed.RemoveValue(name.Text()) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+        return ChangeValue(key, name.Text(), [&](const RegistryValue* known, std::string& line) -> LSTATUS {
+            if (!known) return ERROR_FILE_NOT_FOUND;
+            line = RemovedValueLine(name.Text());
+            return ERROR_SUCCESS;
         });
     });
 }
@@ -82,8 +81,8 @@ LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, LPDWORD nameLength, LPD
         const OpenedKey opened = ResolveKey(view, key);
         if (const LSTATUS status = opened.Require(KEY_QUERY_VALUE); status != ERROR_SUCCESS) return status;
         if (index >= opened.key->values.size()) return ERROR_NO_MORE_ITEMS;
-        const RegistryValue& value = opened.key->values[index];
-        const LSTATUS status = PutRegistryName(value.name, name, nameLength);
-        return status == ERROR_SUCCESS ? PutRegistryData(value, type, data, size) : status;
+        const auto found = std::next(opened.key->values.begin(), static_cast<std::ptrdiff_t>(index));
+        const LSTATUS status = PutRegistryName(found->first, name, nameLength);
+        return status == ERROR_SUCCESS ? PutRegistryData(found->second, type, data, size) : status;
     });
 }

@@ -1,262 +1,142 @@
 #include "platform/registry/RegistryFile.h"
 
-#include <algorithm>
-#include <charconv>
-#include <optional>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <utility>
 
-#include "platform/text/Utf8.h"
-#include "winreg.h"
+#include "platform/core/Errors.h"
+#include "platform/files/Writing.h"
 
 namespace wnplatform {
 namespace {
 
-constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kRootPrefix = "HKEY_";
-constexpr std::string_view kClassesRoot = "HKEY_CLASSES_ROOT";
+LSTATUS StatusFromErrno() noexcept { return static_cast<LSTATUS>(ErrorFromErrno(errno)); }
 
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+bool IsSameTime(const timespec& a, const timespec& b) noexcept {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
 }
 
-std::string_view TakeLine(std::string_view& text) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    return line;
-}
-
-bool IsUtf8(std::string_view text) {
-    const char* const end = text.data() + text.size();
-    for (const char* at = text.data(); at != end;) {
-        const Utf8Character character = DecodeUtf8(at, end);
-        if (!character.valid) return false;
-        at += character.length;
-    }
-    return true;
-}
-
-bool TakePrefix(std::string_view& text, std::string_view prefix) {
-    if (!text.starts_with(prefix)) return false;
-    text.remove_prefix(prefix.size());
-    return true;
-}
-
-template <class Number>
-bool ParseHex(std::string_view text, Number& number) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
-// A backslash before anything but a quote or another backslash stands for itself: paths written by hand often have
-// single ones.
-std::optional<std::string> TakeQuoted(std::string_view& text) {
-    if (!TakePrefix(text, "\"")) return std::nullopt;
-    std::string result;
-    while (!text.empty()) {
-        const char c = text.front();
-        text.remove_prefix(1);
-        if (c == '"') return result;
-        const bool escapes = c == '\\' && (text.starts_with('\\') || text.starts_with('"'));
-        result += escapes ? text.front() : c;
-        if (escapes) text.remove_prefix(1);
-    }
-    return std::nullopt;
-}
-
-std::optional<std::string> ParseBytes(std::string_view text) {
-    std::string bytes;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(','), text.size());
-        const std::string_view item = Trimmed(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-        unsigned char byte = 0;
-        if (item.empty() || item.size() > 2 || !ParseHex(item, byte)) return std::nullopt;
-        bytes += static_cast<char>(byte);
-    }
-    return bytes;
-}
-
-void SetDword(RegistryValue& value, std::uint32_t number) {
-    value.type = REG_DWORD;
-    for (unsigned shift = 0; shift < 32; shift += 8) value.data += static_cast<char>((number >> shift) & 0xFF);
-}
-
-// Fills in a value's type and data from what stands after its equals sign.
-bool ParseData(std::string_view text, RegistryValue& value) {
-    if (text.starts_with('"')) {
-        auto quoted = TakeQuoted(text);
-        if (!quoted || !text.empty()) return false;
-        value.type = REG_SZ;
-        value.data = std::move(*quoted);
-        value.isPlainText = true;
-        return true;
-    }
-    if (TakePrefix(text, "dword:")) {
-        std::uint32_t number = 0;
-        if (text.empty() || text.size() > 8 || !ParseHex(text, number)) return false;
-        SetDword(value, number);
-        return true;
-    }
-    if (!TakePrefix(text, "hex")) return false;
-    value.type = REG_BINARY;
-    if (TakePrefix(text, "(")) {
-        const std::size_t end = text.find(')');
-        if (end == std::string_view::npos || !ParseHex(text.substr(0, end), value.type)) return false;
-        text.remove_prefix(end + 1);
-    }
-    if (!TakePrefix(text, ":")) return false;
-    auto bytes = ParseBytes(Trimmed(text));
-    if (!bytes) return false;
-    value.data = std::move(*bytes);
-    return true;
-}
-
-std::optional<RegistryValue> ParseValue(std::string_view line) {
-    RegistryValue value;
-    if (!TakePrefix(line, "@")) {
-        auto name = TakeQuoted(line);
-        if (!name) return std::nullopt;
-        value.name = std::move(*name);
-    }
-    line = Trimmed(line);
-    if (!TakePrefix(line, "=") || !ParseData(Trimmed(line), value)) return std::nullopt;
-    return value;
-}
-
-RegistryKey* ParseKey(std::string_view line, RegistryTree& tree) {
-    if (!line.ends_with(']')) return nullptr;
-    std::string_view path = line.substr(1, line.size() - 2);
-    const std::string_view root = path.substr(0, path.find('\\'));
-    if (CompareNames(root.substr(0, kRootPrefix.size()), kRootPrefix) != 0) return nullptr;
-    if (CompareNames(root, kClassesRoot) != 0) return &tree.top.Make(path);
-    path.remove_prefix(root.size());
-    return &tree.classes->Make(path);
-}
-
-class Parser {
-public:
-    explicit Parser(std::string_view text) : m_rest(text) {}
-
-    std::unique_ptr<RegistryTree> Parse() {
-        TakePrefix(m_rest, kByteOrderMark);
-        if (Trimmed(TakeLine(m_rest)) != kHeader) m_tree->damaged = true;
-        while (!m_rest.empty()) ParseLine(Trimmed(TakeLine(m_rest)));
-        m_tree->closingComments = std::move(m_comments);
-        return std::move(m_tree);
-    }
-
-private:
-    void ParseLine(std::string_view line) {
-        if (line.empty()) return;
-        if (!IsUtf8(line)) {
-            m_tree->damaged = true;
-        } else if (line.starts_with(';')) {
-            m_comments.append(line).append("\n");
-        } else if (line.starts_with('[')) {
-            m_key = ParseKey(line, *m_tree);
-            if (m_key) {
-                m_key->comments += std::exchange(m_comments, {});
-            } else {
-                m_tree->damaged = true;
-            }
-        } else {
-            TakeValue(Joined(line));
+bool ReadAll(int file, std::string& text) {
+    char buffer[16384];
+    for (;;) {
+        const ssize_t count = pread(file, buffer, sizeof buffer, static_cast<off_t>(text.size()));
+        if (count == 0) return true;
+        if (count > 0) {
+            text.append(buffer, static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return false;
         }
     }
-
-    // Long lists of bytes are broken after a comma with a backslash.
-    std::string Joined(std::string_view line) {
-        std::string whole(line);
-        while (whole.ends_with(",\\") && !m_rest.empty()) {
-            whole.pop_back();
-            whole += Trimmed(TakeLine(m_rest));
-        }
-        return whole;
-    }
-
-    void TakeValue(const std::string& line) {
-        auto value = ParseValue(line);
-        if (!m_key || !value) {
-            m_tree->damaged = true;
-            return;
-        }
-        value->comments = std::exchange(m_comments, {});
-        m_key->MakeValue(value->name) = std::move(*value);
-    }
-
-    std::string_view m_rest;
-    std::unique_ptr<RegistryTree> m_tree = std::make_unique<RegistryTree>();
-    RegistryKey* m_key = nullptr;
-    std::string m_comments;
-};
-
-std::string Quoted(std::string_view text) {
-    std::string result = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') result += '\\';
-        result += c;
-    }
-    return result + '"';
 }
 
-void AppendHex(std::string& text, std::uint32_t number, std::size_t digits) {
-    char buffer[8];
-    const auto end = std::to_chars(std::begin(buffer), std::end(buffer), number, 16).ptr;
-    const auto length = static_cast<std::size_t>(end - buffer);
-    text.append(digits > length ? digits - length : 0, '0').append(buffer, length);
-}
-
-std::uint32_t DwordOf(const std::string& data) {
-    std::uint32_t number = 0;
-    for (std::size_t i = data.size(); i-- > 0;) number = (number << 8) | static_cast<unsigned char>(data[i]);
-    return number;
-}
-
-std::string FormatData(const RegistryValue& value) {
-    if (value.isPlainText) return Quoted(value.data);
-    std::string text;
-    if (value.type == REG_DWORD && value.data.size() == sizeof(DWORD)) {
-        text = "dword:";
-        AppendHex(text, DwordOf(value.data), 8);
-        return text;
-    }
-    text = "hex";
-    if (value.type != REG_BINARY) {
-        text += '(';
-        AppendHex(text, value.type, 1);
-        text += ')';
-    }
-    char separator = ':';
-    if (value.data.empty()) text += separator;
-    for (const char c : value.data) {
-        text += std::exchange(separator, ',');
-        AppendHex(text, static_cast<unsigned char>(c), 2);
-    }
-    return text;
-}
-
-void FormatKey(const RegistryKey& key, const std::string& path, std::string& text) {
-    text.append("\n").append(key.comments).append("[").append(path).append("]\n");
-    for (const RegistryValue& value : key.values) {
-        text.append(value.comments).append(value.name.empty() ? "@" : Quoted(value.name)).append("=");
-        text.append(FormatData(value)).append("\n");
-    }
-    for (const auto& [name, child] : key.children) FormatKey(*child, path + '\\' + name, text);
+// Where a change begins that is not finished: at the text's one zero, with a key's line behind it.
+std::size_t FindUnfinished(std::string_view text) noexcept {
+    const std::size_t zero = text.find('\0');
+    if (zero == std::string_view::npos || text.find('\0', zero + 1) != std::string_view::npos) return text.size();
+    return text.substr(zero + 1).starts_with('[') ? zero : text.size();
 }
 
 }  // namespace
 
-std::unique_ptr<RegistryTree> ParseRegistry(std::string_view text) { return Parser(text).Parse(); }
+bool FileState::operator==(const FileState& other) const noexcept {
+    return device == other.device && node == other.node && names == other.names && size == other.size &&
+           IsSameTime(written, other.written) && IsSameTime(changed, other.changed);
+}
 
-std::string FormatRegistry(const RegistryTree& tree) {
-    std::string text(kHeader);
-    text += '\n';
-    for (const auto& [name, root] : tree.top.children) FormatKey(*root, name, text);
-    return text + tree.closingComments;
+bool RegistryFile::IsCurrent() const noexcept {
+    struct stat now;
+    // Every open and every query asks this, and a look at an open file costs half of one at a name.
+    const bool direct = m_file && !m_byName;
+    const int result = direct ? fstat(m_file.Get(), &now) : stat(m_path.c_str(), &now);
+    if (result != 0) return !m_file && errno == ENOENT;
+    if (!m_state || !(*m_state == FileState(now))) return false;
+    if (!m_unfinished) return true;
+    // The clock of the file system is coarse: the last byte of the change may come without a trace in the state.
+    char first = 0;
+    return pread(m_file.Get(), &first, 1, static_cast<off_t>(m_text.size())) == 1 && first == '\0';
+}
+
+// False for a link, and for a file that was replaced since its state was taken.
+bool RegistryFile::NameLeadsHere() const noexcept {
+    struct stat named;
+    return lstat(m_path.c_str(), &named) == 0 && FileState(named) == *m_state;
+}
+
+LSTATUS RegistryFile::Read() {
+    m_state.reset();
+    m_text.clear();
+    m_unfinished = false;
+    m_writable = true;
+    m_file = Descriptor(open(m_path.c_str(), O_RDWR | O_CLOEXEC));
+    if (!m_file && (errno == EACCES || errno == EPERM || errno == EROFS)) {
+        m_writable = false;
+        m_file = Descriptor(open(m_path.c_str(), O_RDONLY | O_CLOEXEC));
+    }
+    if (!m_file) return errno == ENOENT ? ERROR_SUCCESS : StatusFromErrno();
+    // The state is taken first: whoever writes to the file while it is being read makes it a newer one.
+    struct stat file;
+    if (fstat(m_file.Get(), &file) != 0 || !ReadAll(m_file.Get(), m_text)) return StatusFromErrno();
+    const std::size_t end = FindUnfinished(m_text);
+    m_unfinished = end != m_text.size();
+    m_text.resize(end);
+    m_state.emplace(file);
+    m_byName = !NameLeadsHere();
+    return ERROR_SUCCESS;
+}
+
+LSTATUS RegistryFile::WriteBehind(std::string_view lines) noexcept {
+    const auto end = static_cast<off_t>(m_text.size());
+    if (m_unfinished && ftruncate(m_file.Get(), end) != 0) return StatusFromErrno();
+    if (WriteAllAt(m_file.Get(), lines.data(), lines.size(), end + 1) == lines.size() &&
+        WriteAllAt(m_file.Get(), "\n", 1, end) == 1) {
+        return ERROR_SUCCESS;
+    }
+    const LSTATUS status = StatusFromErrno();
+    // Where this fails too, the zero keeps readers from it.
+    if (ftruncate(m_file.Get(), end) != 0) return status;
+    return status;
+}
+
+LSTATUS RegistryFile::Append(std::string_view lines) {
+    // Whatever fails from here on, the next look reads the file.
+    m_state.reset();
+    m_text.reserve(m_text.size() + 1 + lines.size());
+    if (const LSTATUS status = WriteBehind(lines); status != ERROR_SUCCESS) return status;
+    m_unfinished = false;
+    m_text.append("\n").append(lines);
+    struct stat written;
+    // A size that is not the expected one means that somebody writes without the lock.
+    if (fstat(m_file.Get(), &written) == 0 && written.st_size == static_cast<off_t>(m_text.size())) {
+        m_state.emplace(written);
+    }
+    return ERROR_SUCCESS;
+}
+
+LSTATUS RegistryFile::Replace(std::string text) {
+    const std::string fresh = m_path + ".new";
+    unlink(fresh.c_str());  // of a writer that was killed
+    struct stat before;
+    const bool hasMode = m_file && fstat(m_file.Get(), &before) == 0;
+    Descriptor file(open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, hasMode ? 0600 : 0666));
+    struct stat written;
+    if (!file || (hasMode && fchmod(file.Get(), before.st_mode & 07777) != 0) ||
+        WriteAll(file.Get(), text.data(), text.size(), false) != text.size() || fstat(file.Get(), &written) != 0 ||
+        rename(fresh.c_str(), m_path.c_str()) != 0) {
+        const LSTATUS status = StatusFromErrno();
+        unlink(fresh.c_str());
+        return status;
+    }
+    m_file = std::move(file);
+    m_writable = true;
+    m_unfinished = false;
+    m_text = std::move(text);
+    m_state.emplace(written);
+    // The new name is itself a change of the inode. Whoever writes to the file meanwhile changes more than this.
+    if (fstat(m_file.Get(), &written) == 0) m_state->changed = written.st_ctim;
+    m_byName = !NameLeadsHere();
+    return ERROR_SUCCESS;
 }
 
 }  // namespace wnplatform

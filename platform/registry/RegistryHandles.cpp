@@ -13,10 +13,11 @@ constexpr std::uintptr_t kPlaceBits = 20;
 constexpr std::uintptr_t kMaxPlaces = (std::uintptr_t{1} << kPlaceBits) - 1;
 constexpr std::uintptr_t kMaxUses = (std::uintptr_t{1} << 11) - 1;
 
-// A key is known by its place in the state of the registry that was last looked at, which it keeps alive.
+// A key is known by its place in the tree that was last looked at. Both are kept alive: the key may be removed from
+// the tree, and the registry may get another tree.
 struct Place {
     std::shared_ptr<const RegistryTree> tree;
-    const RegistryKey* key = nullptr;  // null once the key has been deleted
+    std::shared_ptr<const RegistryKey> key;  // null once it is known to be removed
     REGSAM access = 0;
     std::uintptr_t uses = 0;
     bool open = false;
@@ -58,12 +59,14 @@ OpenedKey ResolveKey(const RegistryView& view, HKEY handle) {
     if (const RegistryKey* root = RootKey(*view.tree, handle)) return {ERROR_SUCCESS, root, KEY_ALL_ACCESS};
     Place* const place = Find(handle);
     if (!place) return {ERROR_INVALID_HANDLE};
+    if (place->key && place->key->removed) place->key = nullptr;
     if (place->key && place->tree != view.tree) {
-        place->key = view.tree->top.Descend(place->key->Path());
+        const RegistryKey* const found = view.tree->top.Descend(place->key->Path());
+        place->key = found ? found->shared_from_this() : nullptr;
         place->tree = view.tree;
     }
     if (!place->key) return {ERROR_KEY_DELETED};
-    return {ERROR_SUCCESS, place->key, place->access};
+    return {ERROR_SUCCESS, place->key.get(), place->access};
 }
 
 HKEY AddKeyHandle(const RegistryView& view, const RegistryKey& key, REGSAM access) {
@@ -77,7 +80,7 @@ HKEY AddKeyHandle(const RegistryView& view, const RegistryKey& key, REGSAM acces
     const std::uintptr_t index = table.free.back();
     table.free.pop_back();
     Place& place = table.places[index];
-    place = {view.tree, &key, access, (place.uses + 1) & kMaxUses, true};
+    place = {view.tree, key.shared_from_this(), access, (place.uses + 1) & kMaxUses, true};
     return reinterpret_cast<HKEY>((place.uses << kPlaceBits) | (index + 1));
 }
 
@@ -85,6 +88,7 @@ bool RemoveKeyHandle(const std::unique_lock<std::mutex>&, HKEY handle) {
     Place* const place = Find(handle);
     if (!place) return false;
     place->open = false;
+    place->key.reset();
     place->tree.reset();
     Table& table = TheTable();
     // Room was made when the place was.

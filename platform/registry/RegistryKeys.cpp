@@ -1,8 +1,5 @@
 #include "platform/registry/RegistryKeys.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace wnplatform {
 namespace {
 
@@ -14,45 +11,23 @@ std::string_view TakeName(std::string_view& path) noexcept {
     return name;
 }
 
-template <class Values>
-auto FindValue(Values& values, std::string_view name) noexcept {
-    return std::find_if(values.begin(), values.end(),
-                        [name](const RegistryValue& value) { return CompareNames(value.name, name) == 0; });
-}
-
-// Into a key without children, whose parent stays.
-void Copy(const RegistryKey& from, RegistryKey& to) {
-    to.name = from.name;
-    to.values = from.values;
-    to.comments = from.comments;
-    for (const auto& [name, child] : from.children) {
-        auto made = std::make_unique<RegistryKey>();
-        made->parent = &to;
-        Copy(*child, *made);
-        to.children.emplace_hint(to.children.end(), name, std::move(made));
-    }
+void MarkRemoved(RegistryKey& key) noexcept {
+    key.removed = true;
+    key.parent = nullptr;
+    for (const auto& [name, child] : key.children) MarkRemoved(*child);
 }
 
 }  // namespace
 
+std::size_t RegistryDepth(std::string_view path) noexcept {
+    std::size_t depth = 0;
+    while (!TakeName(path).empty()) ++depth;
+    return depth;
+}
+
 const RegistryValue* RegistryKey::Value(std::string_view valueName) const noexcept {
-    const auto found = FindValue(values, valueName);
-    return found == values.end() ? nullptr : &*found;
-}
-
-RegistryValue& RegistryKey::MakeValue(std::string_view valueName) {
-    const auto found = FindValue(values, valueName);
-    if (found != values.end()) return *found;
-    RegistryValue value;
-    value.name = valueName;
-    return values.emplace_back(std::move(value));
-}
-
-bool RegistryKey::RemoveValue(std::string_view valueName) noexcept {
-    const auto found = FindValue(values, valueName);
-    if (found == values.end()) return false;
-    values.erase(found);
-    return true;
+    const auto found = values.find(valueName);
+    return found == values.end() ? nullptr : &found->second;
 }
 
 const RegistryKey* RegistryKey::Descend(std::string_view path) const noexcept {
@@ -74,7 +49,7 @@ RegistryKey& RegistryKey::Make(std::string_view path) {
     for (std::string_view next = TakeName(path); !next.empty(); next = TakeName(path)) {
         auto child = key->children.find(next);
         if (child == key->children.end()) {
-            auto made = std::make_unique<RegistryKey>();
+            auto made = std::make_shared<RegistryKey>();
             made->name = next;
             made->parent = key;
             child = key->children.emplace(std::string(next), std::move(made)).first;
@@ -94,12 +69,20 @@ RegistryTree::RegistryTree()
       user(&top.Make("HKEY_CURRENT_USER")),
       classes(&machine->Make("SOFTWARE\\Classes")) {}
 
-RegistryTree::RegistryTree(const RegistryTree& other)
-    : closingComments(other.closingComments), damaged(other.damaged) {
-    Copy(other.top, top);
-    machine = top.Descend(other.machine->Path());
-    user = top.Descend(other.user->Path());
-    classes = top.Descend(other.classes->Path());
+bool RegistryTree::MayRemove(const RegistryKey& key) const noexcept {
+    for (const RegistryKey* fixed = classes; fixed; fixed = fixed->parent) {
+        if (fixed == &key) return false;
+    }
+    return key.parent != &top;
+}
+
+bool RegistryTree::Remove(RegistryKey& key) {
+    if (!MayRemove(key)) return false;
+    auto& siblings = key.parent->children;
+    const auto found = siblings.find(key.name);
+    MarkRemoved(key);
+    siblings.erase(found);
+    return true;
 }
 
 }  // namespace wnplatform

@@ -2,179 +2,111 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/core/Errors.h"
-#include "platform/files/Descriptor.h"
-#include "platform/files/Writing.h"
 #include "platform/registry/RegistryFile.h"
+#include "platform/registry/RegistryText.h"
 #include "wnplatform/inspect.h"
 
 namespace wnplatform {
 namespace {
 
-LSTATUS StatusFromErrno() { return static_cast<LSTATUS>(ErrorFromErrno(errno)); }
-
-bool IsSameTime(const timespec& a, const timespec& b) noexcept {
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-// What tells one state of the file from another. Looked at through an open descriptor it also tells that the file was
-// replaced, renamed or deleted: each of these changes its number of names or the time of its inode's last change.
-struct FileState {
-    dev_t device;
-    ino_t node;
-    nlink_t names;
-    off_t size;
-    timespec written;
-    timespec changed;
-
-    explicit FileState(const struct stat& file)
-        : device(file.st_dev),
-          node(file.st_ino),
-          names(file.st_nlink),
-          size(file.st_size),
-          written(file.st_mtim),
-          changed(file.st_ctim) {}
-    bool operator==(const FileState& other) const noexcept {
-        return device == other.device && node == other.node && names == other.names && size == other.size &&
-               IsSameTime(written, other.written) && IsSameTime(changed, other.changed);
-    }
-};
-
-bool ReadAll(int file, std::string& text) {
-    char buffer[16384];
-    for (;;) {
-        const ssize_t count = read(file, buffer, sizeof buffer);
-        if (count == 0) return true;
-        if (count > 0) {
-            text.append(buffer, static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-}
-
-// A state of the file and what it says; an absent file has no state and says nothing. The file stays open with it, so
-// that its inode cannot come back as another file and comparing inodes is enough to tell that nothing has changed.
-template <class Tree>
-struct Contents {
-    Descriptor file;
-    bool byName = false;  // another file may take its place without a trace on this one
-    std::optional<FileState> state;
-    std::string text;
-    Tree tree;
-};
-using FreshContents = Contents<std::unique_ptr<RegistryTree>>;
-using KnownContents = Contents<std::shared_ptr<const RegistryTree>>;
+// What the file may hold beyond twice the registry before it is written anew, so that a small one is left alone.
+constexpr std::size_t kSlack = 16384;
 
 class Store {
 public:
     RegistryView View() {
         RegistryView view{std::unique_lock(m_mutex), ERROR_SUCCESS, nullptr, 0};
-        view.status = Refresh();
-        view.tree = m_current.tree;
-        view.version = m_version;
+        Look(view);
         return view;
     }
 
     std::unique_lock<std::mutex> Lock() { return std::unique_lock(m_mutex); }
 
-    LSTATUS Change(const std::function<LSTATUS(RegistryTree&)>& change) {
-        const std::unique_lock guard(m_mutex);
-        const Descriptor turn(open(m_lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-        if (!turn) return StatusFromErrno();
-        while (flock(turn.Get(), LOCK_EX) != 0) {
-            if (errno != EINTR) return StatusFromErrno();
-        }
-        if (const LSTATUS status = Refresh(); status != ERROR_SUCCESS) return status;
-        if (m_current.tree->damaged) return ERROR_BADDB;
-        // A copy costs a fraction of reading the file again, and a registration makes hundreds of changes.
-        FreshContents contents;
-        contents.tree = std::make_unique<RegistryTree>(*m_current.tree);
-        if (const LSTATUS status = change(*contents.tree); status != ERROR_SUCCESS) return status;
-        contents.text = FormatRegistry(*contents.tree);
-        return contents.text == m_current.text ? ERROR_SUCCESS : Write(contents);
+    LSTATUS Change(const std::function<LSTATUS(const RegistryView&, std::string&)>& change) {
+        RegistryView view{std::unique_lock(m_mutex), ERROR_SUCCESS, nullptr, 0};
+        Descriptor turn;
+        if (const LSTATUS status = TakeTurn(turn); status != ERROR_SUCCESS) return status;
+        Look(view);
+        if (view.status != ERROR_SUCCESS) return view.status;
+        if (m_tree->damaged) return ERROR_BADDB;
+        std::string lines;
+        const LSTATUS status = change(view, lines);
+        return status != ERROR_SUCCESS || lines.empty() ? status : Commit(lines);
     }
 
 private:
+    // One process after the other, until the descriptor is closed.
+    LSTATUS TakeTurn(Descriptor& turn) const {
+        turn = Descriptor(open(m_lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+        while (!turn || flock(turn.Get(), LOCK_EX) != 0) {
+            if (!turn || errno != EINTR) return static_cast<LSTATUS>(ErrorFromErrno(errno));
+        }
+        return ERROR_SUCCESS;
+    }
+
+    void Look(RegistryView& view) {
+        if (!m_tree || !m_file.IsCurrent()) view.status = Refresh();
+        view.tree = m_tree;
+        view.version = m_version;
+    }
+
+    // What another process has appended is carried out on the tree; anything else is read from the start.
     LSTATUS Refresh() {
-        if (m_current.tree && IsCurrent()) return ERROR_SUCCESS;
-        FreshContents contents;
-        if (const LSTATUS status = Read(contents); status != ERROR_SUCCESS) return status;
-        Adopt(contents);
-        return ERROR_SUCCESS;
-    }
-
-    bool IsCurrent() const {
-        struct stat now;
-        // Every open and every query asks this, and a look at an open file costs half of one at a name.
-        const bool direct = m_current.file && !m_current.byName;
-        const int result = direct ? fstat(m_current.file.Get(), &now) : stat(m_path.c_str(), &now);
-        if (result != 0) return !m_current.state && errno == ENOENT;
-        return m_current.state && *m_current.state == FileState(now);
-    }
-
-    // False for a link, and for a file that was replaced since its state was taken.
-    bool NameLeadsTo(const FileState& state) const {
-        struct stat named;
-        return lstat(m_path.c_str(), &named) == 0 && FileState(named) == state;
-    }
-
-    LSTATUS Read(FreshContents& contents) const {
-        contents.file = Descriptor(open(m_path.c_str(), O_RDONLY | O_CLOEXEC));
-        if (!contents.file) {
-            if (errno != ENOENT) return StatusFromErrno();
-            contents.tree = std::make_unique<RegistryTree>();
-            return ERROR_SUCCESS;
-        }
-        // The state is taken first: whoever writes to the file while it is being read makes it a newer one.
-        struct stat file;
-        std::string& text = contents.text;
-        if (fstat(contents.file.Get(), &file) != 0 || !ReadAll(contents.file.Get(), text)) return StatusFromErrno();
-        contents.state.emplace(file);
-        contents.byName = !NameLeadsTo(*contents.state);
-        contents.tree = text.empty() ? std::make_unique<RegistryTree>() : ParseRegistry(text);
-        return ERROR_SUCCESS;
-    }
-
-    // The new file takes the old one's place in one step: whoever is killed before leaves the old one.
-    LSTATUS Write(FreshContents& contents) {
-        const std::string fresh = m_path + ".new";
-        const std::string& text = contents.text;
-        contents.file = Descriptor(open(fresh.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-        struct stat written;
-        if (!contents.file || WriteAll(contents.file.Get(), text.data(), text.size(), false) != text.size() ||
-            fstat(contents.file.Get(), &written) != 0 || rename(fresh.c_str(), m_path.c_str()) != 0) {
-            const LSTATUS status = StatusFromErrno();
-            unlink(fresh.c_str());
-            return status;
-        }
-        contents.state.emplace(written);
-        // The new name is itself a change of the inode. Whoever writes to the file meanwhile changes more than this.
-        if (fstat(contents.file.Get(), &written) == 0) contents.state->changed = written.st_ctim;
-        contents.byName = !NameLeadsTo(*contents.state);
-        Adopt(contents);
-        return ERROR_SUCCESS;
-    }
-
-    void Adopt(FreshContents& contents) {
-        m_current = {std::move(contents.file), contents.byName, contents.state, std::move(contents.text),
-                     std::move(contents.tree)};
+        const std::string known = m_file.Text();
+        const std::shared_ptr<RegistryTree> tree = std::exchange(m_tree, nullptr);
+        if (const LSTATUS status = m_file.Read(); status != ERROR_SUCCESS) return status;
         ++m_version;
+        const std::string& text = m_file.Text();
+        const bool continues = tree && !tree->damaged && !known.empty() && text.starts_with(known);
+        const std::string_view added = continues ? std::string_view(text).substr(known.size()) : std::string_view();
+        if (continues && (added.empty() || added.starts_with("\n["))) {
+            ReadRegistryChanges(*tree, added);
+            m_tree = tree;
+        } else {
+            auto fresh = std::make_shared<RegistryTree>();
+            if (!text.empty()) ReadRegistry(*fresh, text);
+            m_tree = std::move(fresh);
+        }
+        return ERROR_SUCCESS;
     }
 
-    const std::string m_path = Home() + "/registry.reg";
+    // The lines are read back into the tree, so that it holds what another process will read.
+    LSTATUS Commit(const std::string& lines) {
+        const bool appends = m_file.MayAppend();
+        LSTATUS status = appends ? m_file.Append(lines) : ERROR_SUCCESS;
+        const std::shared_ptr<RegistryTree> tree = std::exchange(m_tree, nullptr);
+        if (status == ERROR_SUCCESS) ReadRegistryChanges(*tree, lines);
+        if (status == ERROR_SUCCESS && !appends) status = m_file.Replace(FormatRegistry(*tree));
+        ++m_version;
+        if (status != ERROR_SUCCESS) return status;
+        m_tree = tree;
+        if (appends) Shorten();
+        return ERROR_SUCCESS;
+    }
+
+    // Writes the file anew when what no longer counts has outgrown the rest. The change itself is there already, so a
+    // failure only puts this off.
+    void Shorten() {
+        const std::size_t size = m_file.Text().size();
+        if (size < m_shortenAt) return;
+        std::string text = FormatRegistry(*m_tree);
+        m_shortenAt = 2 * text.size() + kSlack;
+        if (size >= m_shortenAt && m_file.Replace(std::move(text)) != ERROR_SUCCESS) m_shortenAt = 2 * size;
+    }
+
     const std::string m_lockPath = Home() + "/registry.lock";
     std::mutex m_mutex;
-    KnownContents m_current;
+    RegistryFile m_file{Home() + "/registry.reg"};
+    std::shared_ptr<RegistryTree> m_tree;  // null when the file must be read again
     std::uint64_t m_version = 0;
+    std::size_t m_shortenAt = kSlack;
 };
 
 // Never destroyed: objects that end with the process may still ask.
@@ -189,6 +121,8 @@ RegistryView ViewRegistry() { return TheStore().View(); }
 
 std::unique_lock<std::mutex> LockRegistry() { return TheStore().Lock(); }
 
-LSTATUS ChangeRegistry(const std::function<LSTATUS(RegistryTree&)>& change) { return TheStore().Change(change); }
+LSTATUS ChangeRegistry(const std::function<LSTATUS(const RegistryView&, std::string&)>& change) {
+    return TheStore().Change(change);
+}
 
 }  // namespace wnplatform
