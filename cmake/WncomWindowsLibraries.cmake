@@ -1,16 +1,15 @@
-# The libraries around the product, for Windows: Debian has them as sources (scripts/windows-sources unpacks those of
-# pugixml and SQLite) or as headers that serve every host.
-set(WNCOM_WINDOWS_SOURCES ${CMAKE_SOURCE_DIR}/build/windows-sources CACHE PATH "pugixml and sqlite, unpacked")
-if(NOT EXISTS ${WNCOM_WINDOWS_SOURCES}/pugixml/pugixml.cpp OR NOT EXISTS ${WNCOM_WINDOWS_SOURCES}/sqlite/sqlite3.c)
-    message(FATAL_ERROR "No sources of pugixml and SQLite in ${WNCOM_WINDOWS_SOURCES}: run scripts/windows-sources")
+# The libraries around the product, for Windows: Debian has them as sources (scripts/sources-windows.txt) or as headers that serve every host.
+set(WNCOM_WINDOWS_SOURCES ${CMAKE_SOURCE_DIR}/build/windows-sources CACHE PATH "The unpacked sources")
+if(NOT EXISTS ${WNCOM_WINDOWS_SOURCES}/done)
+    message(FATAL_ERROR "No library sources in ${WNCOM_WINDOWS_SOURCES}: scripts/package windows and scripts/test windows unpack them")
 endif()
 
-add_library(wncom_pugixml STATIC ${WNCOM_WINDOWS_SOURCES}/pugixml/pugixml.cpp)
-target_include_directories(wncom_pugixml SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/pugixml)
+add_library(wncom_pugixml STATIC ${WNCOM_WINDOWS_SOURCES}/pugixml/src/pugixml.cpp)
+target_include_directories(wncom_pugixml SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/pugixml/src)
 add_library(pugixml::pugixml ALIAS wncom_pugixml)
 
-add_library(wncom_sqlite STATIC ${WNCOM_WINDOWS_SOURCES}/sqlite/sqlite3.c)
-target_include_directories(wncom_sqlite SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/sqlite)
+add_library(wncom_sqlite STATIC ${WNCOM_WINDOWS_SOURCES}/sqlite3/sqlite3.c)
+target_include_directories(wncom_sqlite SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/sqlite3)
 target_compile_definitions(wncom_sqlite PRIVATE SQLITE_OMIT_LOAD_EXTENSION)
 add_library(SQLite::SQLite3 ALIAS wncom_sqlite)
 

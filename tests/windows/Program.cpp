@@ -37,10 +37,18 @@ std::string ReadLines(const std::string& path) {
     return text;
 }
 
+// A 64-bit system runs 32-bit programs only when it has their half of itself.
+bool Runs(int bits) {
+    char folder[MAX_PATH];
+    return bits == 64 || (GetSystemWow64DirectoryA(folder, MAX_PATH) != 0 &&
+                          GetFileAttributesA(folder) != INVALID_FILE_ATTRIBUTES);
+}
+
 }  // namespace
 
 std::string BinFolder(int bits) {
     if (bits == kOwnBits) return ProgramFolder();
+    if (!Runs(bits)) return "";
     char folder[MAX_PATH];
     GetFullPathNameA((ProgramFolder() + "\\..\\..\\" WNCOM_OTHER_BUILD "\\bin").c_str(), sizeof(folder), folder,
                      nullptr);

@@ -11,7 +11,7 @@ namespace wncom::test {
 inline constexpr int kOwnBits = static_cast<int>(8 * sizeof(void*));
 
 // The folder of the programs and modules of this bitness, or of the other one, which another build makes; without a
-// trailing separator. Empty when that build is not there.
+// trailing separator. Empty when that build is not there, or when the system runs no programs of that bitness.
 std::string BinFolder(int bits);
 
 struct Outcome {

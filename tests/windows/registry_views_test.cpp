@@ -12,7 +12,7 @@ class RegistryViewsTest : public WindowsTest {
 protected:
     void SetUp() override {
         if (BinFolder(kOtherBits).empty()) {
-            GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD;
+            GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD << ", or none that runs here";
         }
         m_ready = true;
     }

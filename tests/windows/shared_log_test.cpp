@@ -19,8 +19,8 @@ class SharedLogTest : public WindowsTest {
 protected:
     void SetUp() override {
         for (const int bits : {32, 64}) {
-            if (GetFileAttributesA(PeerOf(bits).c_str()) == INVALID_FILE_ATTRIBUTES) {
-                GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD;
+            if (BinFolder(bits).empty()) {
+                GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD << ", or none that runs here";
             }
             SetLogging("file," + m_log + ",3", bits);
         }
