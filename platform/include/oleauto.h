@@ -23,18 +23,18 @@ HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
 
 void VariantInit(VARIANT* variant);
 HRESULT VariantClear(VARIANT* variant);
-HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);
-// Between the numeric types, VT_BOOL and VT_BSTR, and between VT_UNKNOWN and VT_DISPATCH; else DISP_E_TYPEMISMATCH,
-// or DISP_E_OVERFLOW. References are followed. No flag means anything here. The destination may be the source, and
-// keeps what it holds after a failure.
+// Between VT_I4 and VT_BSTR (a whole number in decimal digits), and between VT_UNKNOWN and VT_DISPATCH; VT_EMPTY is 0
+// and an empty text. Else DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW, and DISP_E_BADVARTYPE for types that variants do not
+// have here. References are followed. No flag means anything here. The destination may be the source, and keeps what
+// it holds after a failure.
 HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type);
 
-// Type libraries. Their objects may be used from any thread and live on after their file has changed or gone; a file
-// is read again only when it has changed. A dual interface shows as TKIND_DISPATCH, and GetRefTypeOfImplType(-1)
-// leads to its table of functions. ITypeComp is not offered (E_NOTIMPL).
+// Type libraries. Their objects may be used from any thread and live on after their file has changed or gone. A dual
+// interface shows as TKIND_DISPATCH, and GetRefTypeOfImplType(-1) leads to its table of functions. ITypeComp is not
+// offered (E_NOTIMPL).
 //
-// The file is a module with a type-library resource (number 1, or the one named by "\N" after the file name) or a
-// library description by itself. TYPE_E_CANTLOADLIBRARY for any other file, an absent or a damaged one.
+// The file is a module whose type-library resource number 1 counts, or holds such a resource's bytes alone.
+// TYPE_E_CANTLOADLIBRARY for any other file, an absent or a damaged one, and one of another version's build tool.
 HRESULT LoadTypeLib(LPCOLESTR file, ITypeLib** library);
 // The version asked for or the highest later one of the same major number; TYPE_E_LIBNOTREGISTERED for none.
 // A library is registered for its own locale, and looked up for a locale, then for its language, then for none.

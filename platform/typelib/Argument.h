@@ -3,22 +3,23 @@
 
 #include <cstdint>
 
-#include "platform/typelib/Description.h"
+#include "oleauto.h"
+#include "platform/typelib/Tables.h"
 
 namespace wnplatform::typelib {
 
 // Owns what was made for the call: a converted value, or the value that the method writes.
 class Argument {
 public:
-    Argument() noexcept;
+    Argument() = default;
     Argument(const Argument&) = delete;
     Argument& operator=(const Argument&) = delete;
-    ~Argument();
+    ~Argument() { VariantClear(&m_value); }
 
     // Converts the caller's variant to what the parameter wants: DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW and the like.
-    HRESULT Prepare(const Parameter& parameter, VARIANT& given) noexcept;
+    HRESULT Prepare(const Tables& tables, const ParameterRow& parameter, const VARIANT& given) noexcept;
     // Room for what the method returns through its [retval] parameter.
-    HRESULT PrepareResult(const Parameter& parameter) noexcept;
+    HRESULT PrepareResult(const Tables& tables, const ParameterRow& parameter) noexcept;
 
     // As it is passed in the call.
     std::uintptr_t Word() const noexcept { return m_word; }
@@ -27,12 +28,10 @@ public:
     void MoveTo(VARIANT& destination) noexcept;
 
 private:
-    HRESULT PrepareByReference(const Parameter& parameter, VARTYPE type, VARIANT& given) noexcept;
-    HRESULT Convert(const Type& type, VARTYPE wanted, const VARIANT& given) noexcept;
+    HRESULT Convert(const Tables& tables, const ParameterRow& parameter, VARTYPE type, const VARIANT& given) noexcept;
     void PassPlace(VARTYPE type) noexcept;
-    void PassValue() noexcept;
 
-    VARIANT m_value;
+    VARIANT m_value{};
     std::uintptr_t m_word = 0;
 };
 

@@ -1,45 +1,39 @@
 #include "platform/typelib/FuncDesc.h"
 
-#include "platform/typelib/TypeInfo.h"
-
 namespace wnplatform::typelib {
 
-FuncDesc::FuncDesc(const Method& method, bool lateBound) : FUNCDESC{} {
-    for (const Parameter& parameter : method.parameters) {
-        ELEMDESC element{};
-        element.tdesc = Describe(parameter.type);
-        element.paramdesc.wParamFlags = parameter.flags;
-        m_parameters.push_back(element);
+FuncDesc::FuncDesc(const Tables& tables, const MethodRow& method, bool lateBound) noexcept : FUNCDESC{} {
+    for (std::uint32_t i = 0; i < method.parameterCount; ++i) {
+        const ParameterRow& parameter = tables.ParametersOf(method)[i];
+        m_parameters[i] = {};
+        m_parameters[i].tdesc = Describe(parameter, m_pointedTo[i]);
+        m_parameters[i].paramdesc.wParamFlags = parameter.flags;
     }
     memid = method.id;
     funckind = lateBound ? FUNC_DISPATCH : FUNC_PUREVIRTUAL;
-    invkind = method.kind;
+    invkind = static_cast<INVOKEKIND>(method.kind);
     callconv = CC_STDCALL;
     oVft = static_cast<SHORT>(method.slot * sizeof(void*));
     wFuncFlags = method.flags;
-    elemdescFunc.tdesc = Describe(method.result);
-    if (lateBound && method.result.vt == VT_HRESULT) {
-        const bool returns = !method.parameters.empty() && (method.parameters.back().flags & PARAMFLAG_FRETVAL) != 0;
-        if (returns) {
-            elemdescFunc.tdesc = *m_parameters.back().tdesc.lptdesc;
-            m_parameters.pop_back();
-        } else {
-            elemdescFunc.tdesc.vt = VT_VOID;
-        }
+    elemdescFunc.tdesc.vt = method.result;
+    cParams = static_cast<SHORT>(method.parameterCount);
+    if (lateBound && tables.HasResult(method)) {
+        elemdescFunc.tdesc = *m_parameters[--cParams].tdesc.lptdesc;
+    } else if (lateBound && method.result == VT_HRESULT) {
+        elemdescFunc.tdesc.vt = VT_VOID;
     }
-    cParams = static_cast<SHORT>(m_parameters.size());
-    lprgelemdescParam = m_parameters.empty() ? nullptr : m_parameters.data();
+    lprgelemdescParam = cParams > 0 ? m_parameters : nullptr;
 }
 
-TYPEDESC FuncDesc::Describe(const Type& type) {
+TYPEDESC FuncDesc::Describe(const ParameterRow& parameter, TYPEDESC (&pointedTo)[2]) noexcept {
     TYPEDESC description{};
-    description.vt = type.vt;
-    if (type.target) description.hreftype = ReferenceTo(*type.target);
-    for (unsigned i = 0; i < type.pointers; ++i) {
-        TYPEDESC pointer{};
-        pointer.vt = VT_PTR;
-        pointer.lptdesc = &m_pointedTo.emplace_back(description);
-        description = pointer;
+    description.vt = parameter.vt;
+    if (parameter.vt == VT_USERDEFINED) description.hreftype = parameter.target;
+    for (unsigned i = 0; i < parameter.pointers; ++i) {
+        pointedTo[i] = description;
+        description = {};
+        description.vt = VT_PTR;
+        description.lptdesc = &pointedTo[i];
     }
     return description;
 }

@@ -1,27 +1,24 @@
 // A method as ITypeInfo describes it to callers.
 #pragma once
 
-#include <deque>
-#include <vector>
-
-#include "platform/typelib/Description.h"
+#include "platform/typelib/Tables.h"
 
 namespace wnplatform::typelib {
 
 // The description with the memory that it points into.
 class FuncDesc final : public FUNCDESC {
 public:
-    // A late-bound caller sees what the method hands back in place of its status. Throws when memory runs out.
-    static FUNCDESC* Make(const Method& method, bool lateBound) { return new FuncDesc(method, lateBound); }
+    // A late-bound caller sees what the method hands back in place of its status.
+    FuncDesc(const Tables& tables, const MethodRow& method, bool lateBound) noexcept;
+
+    // Takes what the constructor made, as its base.
     static void Free(FUNCDESC* description) noexcept { delete static_cast<FuncDesc*>(description); }
 
 private:
-    FuncDesc(const Method& method, bool lateBound);
+    static TYPEDESC Describe(const ParameterRow& parameter, TYPEDESC (&pointedTo)[2]) noexcept;
 
-    TYPEDESC Describe(const Type& type);
-
-    std::vector<ELEMDESC> m_parameters;
-    std::deque<TYPEDESC> m_pointedTo;  // stays where it is while growing
+    ELEMDESC m_parameters[kMostParameters];
+    TYPEDESC m_pointedTo[kMostParameters][2];
 };
 
 }  // namespace wnplatform::typelib

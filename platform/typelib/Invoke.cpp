@@ -9,7 +9,7 @@ namespace wnplatform::typelib {
 namespace {
 
 // What is passed beyond a method's own parameters it never looks at: callers clear the stack on these hosts.
-constexpr std::size_t kWords = 9;
+constexpr std::size_t kWords = kMostParameters;
 
 #if !defined(__x86_64__) && !defined(__aarch64__)
 #error "How this host passes integers and pointers to a function has not been looked into."
@@ -29,14 +29,23 @@ HRESULT CallSlot(void* instance, unsigned slot, const std::uintptr_t (&w)[kWords
     }
 }
 
-bool IsResult(const Parameter& parameter) noexcept { return (parameter.flags & PARAMFLAG_FRETVAL) != 0; }
+void Describe(HRESULT failure, EXCEPINFO& exception) noexcept {
+    exception = EXCEPINFO{};
+    exception.scode = failure;
+    IErrorInfo* info = nullptr;
+    if (GetErrorInfo(0, &info) != S_OK) return;
+    info->GetSource(&exception.bstrSource);
+    info->GetDescription(&exception.bstrDescription);
+    info->GetHelpFile(&exception.bstrHelpFile);
+    info->GetHelpContext(&exception.dwHelpContext);
+    info->Release();
+}
 
 // Which of the caller's arguments goes to which parameter. They come last one first, the named ones before them all.
 class Places {
 public:
-    HRESULT Assign(const Method& method, const DISPPARAMS& params, UINT* argumentError) noexcept {
-        std::size_t takes = method.parameters.size();
-        if (takes > 0 && IsResult(method.parameters.back())) --takes;
+    HRESULT Assign(const MethodRow& method, std::size_t takes, const DISPPARAMS& params,
+                   UINT* argumentError) noexcept {
         if (params.cNamedArgs > params.cArgs || (params.cArgs > 0 && !params.rgvarg) ||
             (params.cNamedArgs > 0 && !params.rgdispidNamedArgs)) {
             return E_INVALIDARG;
@@ -72,23 +81,22 @@ private:
 
 }  // namespace
 
-HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& params, VARIANT* result,
-                     EXCEPINFO* exception, UINT* argumentError) noexcept {
+HRESULT InvokeMethod(const Tables& tables, const MethodRow& method, void* instance, const DISPPARAMS& params,
+                     VARIANT* result, EXCEPINFO* exception, UINT* argumentError) noexcept {
     if (result) VariantInit(result);
+    const std::size_t takes = method.parameterCount - (tables.HasResult(method) ? 1U : 0U);
     Places places;
-    HRESULT hr = places.Assign(method, params, argumentError);
+    HRESULT hr = places.Assign(method, takes, params, argumentError);
     if (FAILED(hr)) return hr;
 
-    const std::size_t count = method.parameters.size();
     Argument arguments[kWords];
     std::uintptr_t words[kWords] = {};
-    for (std::size_t i = 0; i < count; ++i) {
-        const Parameter& parameter = method.parameters[i];
-        const bool given = !IsResult(parameter);
-        hr = given ? arguments[i].Prepare(parameter, params.rgvarg[places.Of(i)])
-                   : arguments[i].PrepareResult(parameter);
+    for (std::size_t i = 0; i < method.parameterCount; ++i) {
+        const ParameterRow& parameter = tables.ParametersOf(method)[i];
+        hr = i < takes ? arguments[i].Prepare(tables, parameter, params.rgvarg[places.Of(i)])
+                       : arguments[i].PrepareResult(tables, parameter);
         if (FAILED(hr)) {
-            if (given && argumentError) *argumentError = places.Of(i);
+            if (i < takes && argumentError) *argumentError = places.Of(i);
             return hr;
         }
         words[i] = arguments[i].Word();
@@ -96,14 +104,10 @@ HRESULT InvokeMethod(const Method& method, void* instance, const DISPPARAMS& par
 
     hr = CallSlot(instance, method.slot, words);
     if (FAILED(hr)) {
-        if (exception) {
-            *exception = EXCEPINFO{};
-            exception->scode = hr;
-        }
+        if (exception) Describe(hr, *exception);
         return DISP_E_EXCEPTION;
     }
-    // A result is the last parameter.
-    if (result && count > 0 && IsResult(method.parameters.back())) arguments[count - 1].MoveTo(*result);
+    if (result && takes < method.parameterCount) arguments[takes].MoveTo(*result);
     return hr;
 }
 

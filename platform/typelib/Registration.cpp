@@ -4,23 +4,75 @@
 // "lcid\win32" the path (the library's locale in hexadecimal; a 32-bit system whatever the host), FLAGS and HELPDIR.
 #include <charconv>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
+#include <type_traits>
 
 #include "oleauto.h"
+#include "platform/com/GuidText.h"
 #include "platform/core/Guarded.h"
 #include "platform/text/Texts.h"
-#include "platform/typelib/Description.h"
 #include "platform/typelib/Loading.h"
-#include "platform/typelib/RegistryKey.h"
+#include "winerror.h"
+#include "winreg.h"
 
 namespace wnplatform::typelib {
 namespace {
 
 constexpr WORD kAnyVersion = 0xFFFF;
 
-std::string LibraryKey(REFGUID guid) { return "TypeLib\\{" + GuidText(guid) + "}"; }
+struct CloseKey {
+    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
+};
+using Key = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
+
+Key OpenClasses(const std::string& name) {
+    HKEY key = nullptr;
+    return Key(RegOpenKeyExA(HKEY_CLASSES_ROOT, name.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS ? key : nullptr);
+}
+
+// The default value of a key, in the narrow code page; none when the key or the text is absent.
+std::optional<std::string> ReadText(const std::string& name) {
+    const Key key = OpenClasses(name);
+    std::string text(MAX_PATH, '\0');
+    LSTATUS status = key ? ERROR_MORE_DATA : ERROR_FILE_NOT_FOUND;
+    for (DWORD size = MAX_PATH; status == ERROR_MORE_DATA;) {
+        DWORD type = REG_NONE;
+        text.assign(size, '\0');
+        status = RegQueryValueExA(key.get(), nullptr, nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &size);
+        if (status == ERROR_SUCCESS && type != REG_SZ) return std::nullopt;
+    }
+    if (status != ERROR_SUCCESS) return std::nullopt;
+    // The data may or may not hold a terminator.
+    return text.substr(0, text.find('\0'));
+}
+
+bool WriteText(const std::string& name, const std::string& text) {
+    HKEY made = nullptr;
+    if (RegCreateKeyExA(HKEY_CLASSES_ROOT, name.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
+                        &made, nullptr) != ERROR_SUCCESS) {
+        return false;
+    }
+    const Key key(made);
+    return RegSetValueExA(key.get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                          static_cast<DWORD>(text.size() + 1)) == ERROR_SUCCESS;
+}
+
+// None behind the last one.
+std::optional<std::string> SubkeyAt(const Key& key, DWORD index) {
+    char name[256];
+    DWORD length = sizeof(name);
+    if (!key || RegEnumKeyExA(key.get(), index, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return std::string(name, length);
+}
+
+std::string LibraryKey(REFGUID guid) {
+    const auto text = TextOfGuid(guid);
+    return "TypeLib\\" + std::string(text.data(), text.size());
+}
 
 std::string VersionKey(WORD major, WORD minor) {
     char text[16];
@@ -38,7 +90,7 @@ std::string PathKey(LCID locale) {
 std::optional<std::string> LocalisedPath(const std::string& version, LCID locale) {
     constexpr LCID kLanguageBits = 0x3FF;
     for (const LCID wanted : {locale, locale & kLanguageBits, LCID{0}}) {
-        if (auto path = ReadClassesText(version + PathKey(wanted))) return path;
+        if (auto path = ReadText(version + PathKey(wanted))) return path;
     }
     return std::nullopt;
 }
@@ -59,26 +111,15 @@ std::optional<std::string> RegisteredPath(REFGUID guid, WORD major, WORD minor, 
     const std::string library = LibraryKey(guid);
     if (auto path = LocalisedPath(library + "\\" + VersionKey(major, minor), locale)) return path;
     std::optional<std::pair<WORD, WORD>> best;
-    for (const std::string& name : ClassesSubkeys(library)) {
-        const auto version = ParseVersion(name);
+    const Key versions = OpenClasses(library);
+    for (DWORD index = 0; const auto name = SubkeyAt(versions, index); ++index) {
+        const auto version = ParseVersion(*name);
         if (!version || (major != kAnyVersion && (version->first != major || version->second < minor))) continue;
         if (!best || *version > *best) best = version;
     }
     if (!best) return std::nullopt;
     return LocalisedPath(library + "\\" + VersionKey(best->first, best->second), locale);
 }
-
-struct Released {
-    ITypeLib* library;
-    TLIBATTR* attributes = nullptr;
-    BSTR name = nullptr;
-    BSTR help = nullptr;
-    ~Released() {
-        if (attributes) library->ReleaseTLibAttr(attributes);
-        SysFreeString(name);
-        SysFreeString(help);
-    }
-};
 
 std::string NarrowText(LPCOLESTR text) { return text ? NarrowFromUtf8(Utf8FromWide(text)) : std::string(); }
 
@@ -100,22 +141,27 @@ HRESULT LoadRegTypeLib(REFGUID guid, WORD major, WORD minor, LCID locale, ITypeL
 
 HRESULT RegisterTypeLib(ITypeLib* library, LPCOLESTR fullPath, LPCOLESTR helpDirectory) {
     if (!library || !fullPath) return E_INVALIDARG;
-    return Guarded(E_OUTOFMEMORY, [&] {
-        Released held{library};
-        HRESULT hr = library->GetLibAttr(&held.attributes);
-        if (SUCCEEDED(hr)) hr = library->GetDocumentation(-1, &held.name, &held.help, nullptr, nullptr);
-        if (FAILED(hr)) return hr;
-        const TLIBATTR& attributes = *held.attributes;
+    TLIBATTR* given = nullptr;
+    HRESULT hr = library->GetLibAttr(&given);
+    if (FAILED(hr)) return hr;
+    const TLIBATTR attributes = *given;
+    library->ReleaseTLibAttr(given);
+    BSTR help = nullptr;
+    hr = library->GetDocumentation(-1, nullptr, &help, nullptr, nullptr);
+    if (FAILED(hr)) return hr;
+    hr = Guarded(E_OUTOFMEMORY, [&] {
         const std::string version =
             LibraryKey(attributes.guid) + "\\" + VersionKey(attributes.wMajorVerNum, attributes.wMinorVerNum);
         // That it came from a file is nothing that the library says of itself.
         const unsigned flags = attributes.wLibFlags & ~unsigned{LIBFLAG_FHASDISKIMAGE};
-        const bool written = WriteClassesText(version, NarrowText(held.help ? held.help : held.name)) &&
-                             WriteClassesText(version + "\\FLAGS", std::to_string(flags)) &&
-                             WriteClassesText(version + PathKey(attributes.lcid), NarrowText(fullPath)) &&
-                             WriteClassesText(version + "\\HELPDIR", NarrowText(helpDirectory));
+        const bool written = WriteText(version, NarrowText(help)) &&
+                             WriteText(version + "\\FLAGS", std::to_string(flags)) &&
+                             WriteText(version + PathKey(attributes.lcid), NarrowText(fullPath)) &&
+                             WriteText(version + "\\HELPDIR", NarrowText(helpDirectory));
         return written ? S_OK : TYPE_E_REGISTRYACCESS;
     });
+    SysFreeString(help);
+    return hr;
 }
 
 HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID locale, SYSKIND system) {
@@ -123,10 +169,10 @@ HRESULT UnRegisterTypeLib(REFGUID guid, WORD major, WORD minor, LCID locale, SYS
     return Guarded(E_OUTOFMEMORY, [&] {
         const std::string library = LibraryKey(guid);
         const std::string version = library + "\\" + VersionKey(major, minor);
-        if (!ReadClassesText(version + PathKey(locale))) return TYPE_E_REGISTRYACCESS;
-        if (!RemoveClassesTree(version)) return TYPE_E_REGISTRYACCESS;
+        if (!ReadText(version + PathKey(locale))) return TYPE_E_REGISTRYACCESS;
+        if (RegDeleteTreeA(HKEY_CLASSES_ROOT, version.c_str()) != ERROR_SUCCESS) return TYPE_E_REGISTRYACCESS;
         // Other versions keep the library's key.
-        if (ClassesSubkeys(library).empty()) RemoveClassesTree(library);
+        if (!SubkeyAt(OpenClasses(library), 0)) RegDeleteTreeA(HKEY_CLASSES_ROOT, library.c_str());
         return S_OK;
     });
 }

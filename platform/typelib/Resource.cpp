@@ -11,6 +11,8 @@
 namespace wnplatform::typelib {
 namespace {
 
+constexpr std::uint64_t kMostBytes = 1 << 20;
+
 using Header = ElfW(Ehdr);
 using Section = ElfW(Shdr);
 
@@ -20,7 +22,7 @@ class Module {
 public:
     Module(int file, std::uint64_t size) : m_file(file), m_size(size) {}
 
-    std::optional<std::string> SectionNamed(const std::string& name) {
+    std::optional<std::string> SectionNamed(std::string_view name) {
         if (!ReadHeader()) return std::nullopt;
         const std::optional<std::string> names = Contents(m_sections[m_header.e_shstrndx]);
         if (!names) return std::nullopt;
@@ -58,7 +60,7 @@ private:
     }
 
     std::optional<std::string> Contents(const Section& section) const {
-        if (section.sh_type == SHT_NOBITS || section.sh_size > kLongestDescription) return std::nullopt;
+        if (section.sh_type == SHT_NOBITS || section.sh_size > kMostBytes) return std::nullopt;
         std::string contents(section.sh_size, '\0');
         if (!ReadAt(contents.data(), section.sh_offset, contents.size())) return std::nullopt;
         return contents;
@@ -72,15 +74,15 @@ private:
 
 }  // namespace
 
-std::optional<std::string> ReadResource(int file, std::uint64_t fileSize, unsigned number) {
+std::optional<std::string> ReadResource(int file, std::uint64_t fileSize) {
     char magic[SELFMAG] = {};
     if (pread(file, magic, sizeof(magic), 0) == SELFMAG && std::memcmp(magic, ELFMAG, SELFMAG) == 0) {
-        return Module(file, fileSize).SectionNamed(".wnres.TYPELIB." + std::to_string(number));
+        return Module(file, fileSize).SectionNamed(".wnres.TYPELIB.1");
     }
-    if (number != 1 || fileSize > kLongestDescription) return std::nullopt;
-    std::string text(fileSize, '\0');
-    if (pread(file, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) return std::nullopt;
-    return text;
+    if (fileSize > kMostBytes) return std::nullopt;
+    std::string bytes(fileSize, '\0');
+    if (pread(file, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return std::nullopt;
+    return bytes;
 }
 
 }  // namespace wnplatform::typelib

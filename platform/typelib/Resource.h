@@ -1,4 +1,4 @@
-// Where a file holds the description of a type library.
+// Where a file holds a type library.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,8 @@
 
 namespace wnplatform::typelib {
 
-// No description is longer, in bytes.
-inline constexpr std::uint64_t kLongestDescription = 1 << 20;
-
-// The text of the numbered type-library resource of a module, open for reading; a file that is no module is a
-// description itself, number 1. None when there is no such thing, or when the file is damaged.
-std::optional<std::string> ReadResource(int file, std::uint64_t fileSize, unsigned number);
+// The type-library resource of a module, open for reading; a file that is no module is one itself. None when there is no
+// such thing, when the file is damaged, or for more than a megabyte.
+std::optional<std::string> ReadResource(int file, std::uint64_t fileSize);
 
 }  // namespace wnplatform::typelib

@@ -4,22 +4,19 @@
 #include <memory>
 
 #include "platform/typelib/Counted.h"
-#include "platform/typelib/Description.h"
+#include "platform/typelib/Tables.h"
 
 namespace wnplatform::typelib {
 
 // A dual interface is seen as what it offers to late-bound callers unless its table of functions is asked for.
 enum class TypeView { kDefault, kTable };
 
-TYPEKIND KindOf(const Library::TypeEntry& entry, TypeView view) noexcept;
-
-// How a type refers to an interface.
-HREFTYPE ReferenceTo(const Interface& interface_) noexcept;
+TYPEKIND KindOf(const TypeRow& type, TypeView view) noexcept;
 
 class TypeInfo final : public Counted<ITypeInfo, IID_ITypeInfo> {
 public:
-    // TYPE_E_ELEMENTNOTFOUND for an index that the library does not have.
-    static HRESULT Make(const std::shared_ptr<const Library>& library, UINT index, TypeView view,
+    // The place of the type among those of the tables; TYPE_E_ELEMENTNOTFOUND for one that they do not have.
+    static HRESULT Make(const std::shared_ptr<const Tables>& tables, std::uint32_t type, TypeView view,
                         ITypeInfo** info) noexcept;
 
     HRESULT STDMETHODCALLTYPE GetTypeAttr(TYPEATTR** attributes) noexcept override;
@@ -46,16 +43,18 @@ public:
     void STDMETHODCALLTYPE ReleaseVarDesc(VARDESC* description) noexcept override;
 
 private:
-    TypeInfo(std::shared_ptr<const Library> library, UINT index, TypeView view) noexcept
-        : m_library(std::move(library)), m_entry(m_library->types[index]), m_view(view) {}
+    TypeInfo(std::shared_ptr<const Tables> tables, std::uint32_t type, TypeView view) noexcept
+        : m_tables(std::move(tables)), m_type(m_tables->types[type]), m_view(view) {}
     ~TypeInfo() = default;
     void Destroy() noexcept override { delete this; }
 
-    const Interface* Own() const noexcept { return m_entry.interface_.get(); }
-    bool IsDispatchView() const noexcept { return KindOf(m_entry, m_view) == TKIND_DISPATCH; }
+    bool IsDispatchView() const noexcept { return KindOf(m_type, m_view) == TKIND_DISPATCH; }
+    std::uint32_t Place() const noexcept { return static_cast<std::uint32_t>(&m_type - m_tables->types.data()); }
+    // The library among those of the tables.
+    std::size_t Owner() const noexcept;
 
-    std::shared_ptr<const Library> m_library;
-    const Library::TypeEntry& m_entry;
+    std::shared_ptr<const Tables> m_tables;
+    const TypeRow& m_type;
     TypeView m_view;
 };
 

@@ -4,13 +4,15 @@
 #include <memory>
 
 #include "platform/typelib/Counted.h"
-#include "platform/typelib/Description.h"
+#include "platform/typelib/Tables.h"
 
 namespace wnplatform::typelib {
 
 class TypeLib final : public Counted<ITypeLib, IID_ITypeLib> {
 public:
-    explicit TypeLib(std::shared_ptr<const Library> library) noexcept : m_library(std::move(library)) {}
+    // Of one of the libraries in the tables.
+    TypeLib(std::shared_ptr<const Tables> tables, std::size_t library) noexcept
+        : m_tables(std::move(tables)), m_library(library) {}
 
     UINT STDMETHODCALLTYPE GetTypeInfoCount() noexcept override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, ITypeInfo** info) noexcept override;
@@ -29,7 +31,12 @@ private:
     ~TypeLib() = default;
     void Destroy() noexcept override { delete this; }
 
-    std::shared_ptr<const Library> m_library;
+    const LibraryRow& Row() const noexcept { return m_tables->libraries[m_library]; }
+    // The place of its type among those of the tables; kNone for one that it does not have.
+    std::uint32_t TypeAt(std::size_t index) noexcept;
+
+    std::shared_ptr<const Tables> m_tables;
+    std::size_t m_library;
 };
 
 }  // namespace wnplatform::typelib

@@ -7,15 +7,15 @@
 
 #include <string>
 
-#include "typelib_text.h"
+#include "tests/support/Com.h"
 
 namespace wncom::test {
 
-// As modules/invoke.idl has them.
+// As invoke.idl has them.
 struct ITarget : IDispatch {
     static constexpr IID kIid = {0x51d1c2b4, 0x8e0f, 0x4c57, {0x9e, 0x0b, 0x7e, 0x8a, 0x0d, 0x1b, 0x2c, 0x34}};
 
-    virtual HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT tiny, VARIANT_BOOL flag, BSTR* text) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, BSTR* text) = 0;
     virtual HRESULT STDMETHODCALLTYPE Take(BSTR text, BSTR* info, LONG* length) = 0;
     virtual HRESULT STDMETHODCALLTYPE Extend(BSTR* text) = 0;
     virtual HRESULT STDMETHODCALLTYPE Same(ITarget* object, ITarget** result) = 0;
@@ -23,7 +23,6 @@ struct ITarget : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Throw() = 0;
     virtual HRESULT STDMETHODCALLTYPE get_Size(LONG* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE put_Size(LONG value) = 0;
-    virtual HRESULT STDMETHODCALLTYPE Describe(VARIANT* value, VARIANT* type) = 0;
     virtual HRESULT STDMETHODCALLTYPE Sum(LONG a, LONG b, LONG c, LONG d, LONG e, LONG f, LONG g, LONG h,
                                           LONG* sum) = 0;
     virtual HRESULT STDMETHODCALLTYPE Undirected(BSTR text, BSTR* copy) = 0;
@@ -45,6 +44,7 @@ public:
     ULONG references = 1;
     LONG size = 0;
     bool isNoTarget = false;
+    bool explains = false;  // Fail leaves an error object
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         const bool known = iid == IID_IUnknown || iid == IID_IDispatch || (iid == kIid && !isNoTarget);
@@ -62,16 +62,14 @@ public:
         return E_NOTIMPL;
     }
 
-    HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, SHORT tiny, VARIANT_BOOL flag, BSTR* text) override {
-        const std::string all =
-            Narrow(first) + " " + std::to_string(number) + " " + std::to_string(tiny) + " " + std::to_string(flag);
-        *text = SysAllocString(Wide(all).c_str());
+    HRESULT STDMETHODCALLTYPE Join(BSTR first, LONG number, BSTR* text) override {
+        *text = SysAllocString(Wide(Narrow(first) + " " + std::to_string(number)).c_str());
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Take(BSTR text, BSTR* info, LONG* length) override {
         *info = SysAllocString(OLESTR("taken"));
         *length = static_cast<LONG>(SysStringLen(text));
-        return S_OK;
+        return S_FALSE;
     }
     HRESULT STDMETHODCALLTYPE Extend(BSTR* text) override {
         const std::string longer = Narrow(*text) + "+";
@@ -86,6 +84,7 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Fail(BSTR* info, LONG*) override {
         *info = SysAllocString(OLESTR("why"));
+        if (explains) Explain();
         return kOwnStatus;
     }
     HRESULT STDMETHODCALLTYPE Throw() override { throw 1; }
@@ -95,11 +94,6 @@ public:
     }
     HRESULT STDMETHODCALLTYPE put_Size(LONG value) override {
         size = value;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Describe(VARIANT* value, VARIANT* type) override {
-        type->vt = VT_I4;
-        type->lVal = value->vt;
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Sum(LONG a, LONG b, LONG c, LONG d, LONG e, LONG f, LONG g, LONG h,
@@ -112,6 +106,25 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Hidden() override { return S_OK; }
+
+private:
+    static void Explain() {
+        ICreateErrorInfo* made = nullptr;
+        if (FAILED(CreateErrorInfo(&made))) return;
+        OLECHAR source[] = OLESTR("Target");
+        OLECHAR description[] = OLESTR("the device is off");
+        OLECHAR helpFile[] = OLESTR("help.txt");
+        made->SetSource(source);
+        made->SetDescription(description);
+        made->SetHelpFile(helpFile);
+        made->SetHelpContext(7);
+        IErrorInfo* info = nullptr;
+        if (SUCCEEDED(made->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info)))) {
+            SetErrorInfo(0, info);
+            info->Release();
+        }
+        made->Release();
+    }
 };
 
 }  // namespace wncom::test

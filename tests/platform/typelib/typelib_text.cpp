@@ -1,6 +1,7 @@
 #include "typelib_text.h"
 
 #include <cstdio>
+#include <iterator>
 
 #include "include/wncom/Bstr.h"
 #include "tests/support/TestHome.h"
@@ -8,46 +9,37 @@
 namespace wncom::test {
 namespace {
 
-std::string Hex(unsigned value) {
+std::string HexNumber(unsigned value) {
     char text[16];
     std::snprintf(text, sizeof(text), "0x%X", value);
     return text;
 }
 
-std::string TypeText(ITypeInfo& owner, const TYPEDESC& type) {
-    switch (type.vt) {
-        case VT_PTR:
-            return TypeText(owner, *type.lptdesc) + "*";
-        case VT_USERDEFINED: {
-            ITypeInfo* info = nullptr;
-            if (FAILED(owner.GetRefTypeInfo(type.hreftype, &info))) return "?";
-            return NameOf(*Held<ITypeInfo>(info));
-        }
-        case VT_BSTR:
-            return "BSTR";
-        case VT_I4:
-            return "long";
-        case VT_UNKNOWN:
-            return "IUnknown*";
-        case VT_HRESULT:
-            return "HRESULT";
-        default:
-            return "type " + std::to_string(type.vt);
-    }
-}
-
-std::string DirectionText(USHORT flags) {
-    std::string text;
-    if (flags & PARAMFLAG_FIN) text += "in ";
-    if (flags & PARAMFLAG_FOUT) text += "out ";
-    if (flags & PARAMFLAG_FRETVAL) text += "retval ";
-    return text;
-}
-
-std::string Quoted(ITypeInfo& type, MEMBERID member) {
+// The name and the help text of a type or a member.
+std::pair<std::string, std::string> Documentation(ITypeInfo& type, MEMBERID member) {
+    Bstr name;
     Bstr help;
-    type.GetDocumentation(member, nullptr, help.put(), nullptr, nullptr);
-    return " \"" + Narrow(help.get()) + "\"\n";
+    if (FAILED(type.GetDocumentation(member, name.put(), help.put(), nullptr, nullptr))) return {"?", "?"};
+    return {Narrow(name.get()), " \"" + Narrow(help.get()) + "\"\n"};
+}
+
+std::string NameOf(const Held<ITypeInfo>& type) {
+    return type ? Documentation(*type, MEMBERID_NIL).first : "nothing";
+}
+
+std::string TypeName(ITypeInfo& owner, const TYPEDESC& type) {
+    if (type.vt == VT_PTR) return TypeName(owner, *type.lptdesc) + "*";
+    if (type.vt == VT_USERDEFINED) {
+        ITypeInfo* info = nullptr;
+        return SUCCEEDED(owner.GetRefTypeInfo(type.hreftype, &info)) ? NameOf(Held<ITypeInfo>(info)) : "?";
+    }
+    const std::pair<int, const char*> names[] = {
+        {VT_BSTR, "BSTR"},       {VT_I4, "long"},   {VT_UNKNOWN, "IUnknown*"}, {VT_DISPATCH, "IDispatch*"},
+        {VT_HRESULT, "HRESULT"}, {VT_VOID, "void"}, {VT_VARIANT, "VARIANT"}};
+    for (const auto& [vt, name] : names) {
+        if (type.vt == vt) return name;
+    }
+    return "type " + std::to_string(type.vt);
 }
 
 std::string MemberText(ITypeInfo& type, const FUNCDESC& function) {
@@ -55,17 +47,21 @@ std::string MemberText(ITypeInfo& type, const FUNCDESC& function) {
     UINT count = 0;
     type.GetNames(function.memid, names, 16, &count);
     std::string text = std::to_string(static_cast<unsigned>(function.oVft) / sizeof(void*)) + " " +
-                       Hex(static_cast<unsigned>(function.memid)) + " " + Narrow(names[0]) + "(";
+                       HexNumber(static_cast<unsigned>(function.memid)) + " " + Narrow(names[0]) + "(";
     for (int i = 0; i < function.cParams; ++i) {
         const ELEMDESC& parameter = function.lprgelemdescParam[i];
-        if (i > 0) text += ", ";
-        text += DirectionText(parameter.paramdesc.wParamFlags) + TypeText(type, parameter.tdesc) + " " +
-                Narrow(names[i + 1]);
+        const USHORT flags = parameter.paramdesc.wParamFlags;
+        text += std::string(i > 0 ? ", " : "") + (flags & PARAMFLAG_FIN ? "in " : "") +
+                (flags & PARAMFLAG_FOUT ? "out " : "") + (flags & PARAMFLAG_FRETVAL ? "retval " : "") +
+                TypeName(type, parameter.tdesc) + " " + Narrow(names[i + 1]);
     }
     for (UINT i = 0; i < count; ++i) SysFreeString(names[i]);
-    const bool usual = function.funckind == FUNC_PUREVIRTUAL && function.callconv == CC_STDCALL &&
-                       function.invkind == INVOKE_FUNC && function.elemdescFunc.tdesc.vt == VT_HRESULT;
-    return text + (usual ? ")" : ") unusual") + Quoted(type, function.memid);
+    text += ")";
+    if (function.elemdescFunc.tdesc.vt != VT_HRESULT) text += " " + TypeName(type, function.elemdescFunc.tdesc);
+    if (function.funckind != FUNC_PUREVIRTUAL) text += " late-bound";
+    if (function.invkind != INVOKE_FUNC) text += " kind=" + std::to_string(function.invkind);
+    if (function.wFuncFlags != 0) text += " flags=" + HexNumber(function.wFuncFlags);
+    return text + (function.callconv == CC_STDCALL ? "" : " unusual") + Documentation(type, function.memid).second;
 }
 
 }  // namespace
@@ -91,40 +87,30 @@ Held<ITypeInfo> TableView(ITypeInfo& type) {
     return Held<ITypeInfo>(&type);
 }
 
-std::string NameOf(ITypeInfo& type, MEMBERID member) {
-    Bstr name;
-    type.GetDocumentation(member, name.put(), nullptr, nullptr, nullptr);
-    return Narrow(name.get());
-}
-
-std::string InterfaceText(ITypeInfo& type) {
+std::string TypeText(ITypeInfo& type) {
     TYPEATTR* attributes = nullptr;
     if (FAILED(type.GetTypeAttr(&attributes))) return "no attributes";
-    std::string text = NameOf(type) + " flags=" + Hex(static_cast<unsigned>(attributes->wTypeFlags)) + " : ";
-    const Held<ITypeInfo> base = Referenced(type, 0);
-    text += (base ? NameOf(*base) : "nothing") + Quoted(type, MEMBERID_NIL);
-    for (UINT i = 0; i < attributes->cFuncs; ++i) {
+    const TYPEATTR copy = *attributes;
+    type.ReleaseTypeAttr(attributes);
+    const auto [name, help] = Documentation(type, MEMBERID_NIL);
+    const bool isClass = copy.typekind == TKIND_COCLASS;
+    std::string text = name +
+                       (isClass                           ? " class"
+                        : copy.typekind == TKIND_DISPATCH ? " dispatch"
+                                                          : " interface") +
+                       " flags=" + HexNumber(copy.wTypeFlags) + (isClass ? "" : " : " + NameOf(Referenced(type, 0))) +
+                       help;
+    for (UINT i = 0; isClass && i < copy.cImplTypes; ++i) {
+        INT flags = -1;
+        type.GetImplTypeFlags(i, &flags);
+        text += HexNumber(static_cast<unsigned>(flags)) + " " + NameOf(Referenced(type, i)) + "\n";
+    }
+    for (UINT i = 0; i < copy.cFuncs; ++i) {
         FUNCDESC* function = nullptr;
         if (FAILED(type.GetFuncDesc(i, &function))) return text + "no function";
         text += MemberText(type, *function);
         type.ReleaseFuncDesc(function);
     }
-    type.ReleaseTypeAttr(attributes);
-    return text;
-}
-
-std::string ClassText(ITypeInfo& type) {
-    TYPEATTR* attributes = nullptr;
-    if (FAILED(type.GetTypeAttr(&attributes))) return "no attributes";
-    std::string text =
-        NameOf(type) + " flags=" + Hex(static_cast<unsigned>(attributes->wTypeFlags)) + Quoted(type, MEMBERID_NIL);
-    for (UINT i = 0; i < attributes->cImplTypes; ++i) {
-        INT flags = -1;
-        type.GetImplTypeFlags(i, &flags);
-        const Held<ITypeInfo> implemented = Referenced(type, i);
-        text += Hex(static_cast<unsigned>(flags)) + " " + (implemented ? NameOf(*implemented) : "?") + "\n";
-    }
-    type.ReleaseTypeAttr(attributes);
     return text;
 }
 
@@ -132,11 +118,8 @@ std::string LibraryText(ITypeLib& library) {
     std::string text;
     for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
         ITypeInfo* info = nullptr;
-        TYPEKIND kind = TKIND_ALIAS;
-        if (FAILED(library.GetTypeInfo(i, &info)) || FAILED(library.GetTypeInfoType(i, &kind)))
-            return text + "no type";
-        const Held<ITypeInfo> type(info);
-        text += kind == TKIND_COCLASS ? ClassText(*type) : InterfaceText(*TableView(*type));
+        if (FAILED(library.GetTypeInfo(i, &info))) return text + "no type";
+        text += TypeText(*TableView(*Held<ITypeInfo>(info)));
     }
     return text;
 }

@@ -26,12 +26,10 @@ Held<ITypeInfo> TableView(ITypeInfo& type);
 // The type that another one refers to.
 Held<ITypeInfo> Referenced(ITypeInfo& type, UINT implementedIndex);
 
-std::string NameOf(ITypeInfo& type, MEMBERID member = MEMBERID_NIL);
-
-// "NAME flags=0x.. : BASE "help"", then for each member of its own "SLOT ID NAME(in BSTR a, out BSTR* b) "help"".
-std::string InterfaceText(ITypeInfo& type);
-// "NAME flags=0x.. "help"", then for each interface "FLAGS NAME".
-std::string ClassText(ITypeInfo& type);
+// What the type and each member of its own say of themselves:
+// "NAME KIND flags=0x.. : BASE "help"" and "SLOT ID NAME(in BSTR a, out BSTR* b) "help"" with what is unusual before
+// the help; for a class "NAME KIND flags=0x.. "help"" and "FLAGS INTERFACE".
+std::string TypeText(ITypeInfo& type);
 // All types in their order; interfaces as their tables show them.
 std::string LibraryText(ITypeLib& library);
 

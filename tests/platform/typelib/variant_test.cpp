@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "typelib_text.h"
+#include "tests/support/Com.h"
 
 namespace wncom::test {
 namespace {
@@ -19,14 +19,7 @@ VARIANT Number(LONG value) {
     return variant;
 }
 
-VARIANT Fraction(double value) {
-    VARIANT variant{};
-    variant.vt = VT_R8;
-    variant.dblVal = value;
-    return variant;
-}
-
-VARIANT Text(const std::string& text) {
+VARIANT TextValue(const std::string& text) {
     const auto wide = Wide(text);
     VARIANT variant{};
     variant.vt = VT_BSTR;
@@ -34,136 +27,75 @@ VARIANT Text(const std::string& text) {
     return variant;
 }
 
-// "TYPE:VALUE" after a change of type, or the status in hex.
-std::string Changed(VARIANT source, VARTYPE type) {
-    VARIANT result{};
-    const HRESULT hr = VariantChangeType(&result, &source, 0, type);
-    VariantClear(&source);
-    char text[64];
+VARIANT OfType(int type, void* place = nullptr) {
+    VARIANT variant{};
+    variant.vt = static_cast<VARTYPE>(type);
+    variant.byref = place;
+    return variant;
+}
+
+// The value after a change of type in place, or the status in hex with the old value kept.
+std::string Changed(VARIANT value, VARTYPE type) {
+    const VARIANT before = value;
+    const HRESULT hr = VariantChangeType(&value, &value, 0, type);
     if (FAILED(hr)) {
-        snprintf(text, sizeof(text), "%08X", static_cast<unsigned>(hr));
-        return text;
+        EXPECT_EQ(value.vt, before.vt);
+        EXPECT_EQ(value.byref, before.byref);
+    } else {
+        EXPECT_EQ(value.vt, type);
     }
-    EXPECT_EQ(result.vt, type);
-    switch (type) {
-        case VT_BSTR:
-            snprintf(text, sizeof(text), "%s", Narrow(result.bstrVal).c_str());
-            break;
-        case VT_R8:
-            snprintf(text, sizeof(text), "%g", result.dblVal);
-            break;
-        case VT_I2:
-        case VT_BOOL:
-            snprintf(text, sizeof(text), "%d", result.iVal);
-            break;
-        default:
-            snprintf(text, sizeof(text), "%lld", type == VT_UI4 ? static_cast<long long>(result.ulVal) : result.lVal);
-            break;
-    }
-    VariantClear(&result);
+    const std::string text = FAILED(hr)        ? Hex(hr)
+                             : type == VT_BSTR ? Narrow(value.bstrVal)
+                                               : std::to_string(value.lVal);
+    VariantClear(&value);
     return text;
 }
 
-constexpr const char* kMismatch = "80020005";
-constexpr const char* kOverflow = "8002000A";
-
-TEST(Variant, TurnsTextsIntoNumbers) {
-    EXPECT_EQ(Changed(Text(" -12 "), VT_I4), "-12");
-    EXPECT_EQ(Changed(Text("2.5"), VT_I4), "2");
-    EXPECT_EQ(Changed(Text("3.5"), VT_I4), "4");
-    EXPECT_EQ(Changed(Text("4294967295"), VT_UI4), "4294967295");
-    EXPECT_EQ(Changed(Text("1e3"), VT_R8), "1000");
-    EXPECT_EQ(Changed(Text("1e-400"), VT_R8), "0");
-    EXPECT_EQ(Changed(Text(""), VT_I4), kMismatch);
-    EXPECT_EQ(Changed(Text("12x"), VT_I4), kMismatch);
-    EXPECT_EQ(Changed(Text("nan"), VT_R8), kMismatch);
-    // A number's text ends with its first zero.
-    EXPECT_EQ(Changed(Text(std::string("1\0x", 3)), VT_I4), "1");
-    EXPECT_EQ(Changed(Text("2147483648"), VT_I4), kOverflow);
-}
-
-TEST(Variant, TurnsNumbersIntoTexts) {
-    EXPECT_EQ(Changed(Number(-2147483647 - 1), VT_BSTR), "-2147483648");
-    EXPECT_EQ(Changed(Fraction(0.1), VT_BSTR), "0.1");
-    EXPECT_EQ(Changed(Fraction(1e16), VT_BSTR), "1E+16");
-    EXPECT_EQ(Changed(Fraction(-0.0), VT_BSTR), "0");
-    VARIANT flag{};
-    flag.vt = VT_BOOL;
-    flag.boolVal = VARIANT_TRUE;
-    EXPECT_EQ(Changed(flag, VT_BSTR), "-1");
-    EXPECT_EQ(Changed(VARIANT{}, VT_BSTR), "");
-}
-
-TEST(Variant, KeepsNumbersWithinTheirRange) {
-    EXPECT_EQ(Changed(Number(32768), VT_I2), kOverflow);
-    EXPECT_EQ(Changed(Number(-32768), VT_I2), "-32768");
-    EXPECT_EQ(Changed(Fraction(-1), VT_UI4), kOverflow);
-    EXPECT_EQ(Changed(Fraction(2147483647.4), VT_I4), "2147483647");
-    EXPECT_EQ(Changed(Fraction(2147483647.5), VT_I4), kOverflow);
-    EXPECT_EQ(Changed(VARIANT{}, VT_I4), "0");
-}
-
-TEST(Variant, KnowsTruth) {
-    EXPECT_EQ(Changed(Text("TRUE"), VT_BOOL), "-1");
-    EXPECT_EQ(Changed(Text("false"), VT_BOOL), "0");
-    EXPECT_EQ(Changed(Text("7"), VT_BOOL), "-1");
-    EXPECT_EQ(Changed(Text("yes"), VT_BOOL), kMismatch);
-    EXPECT_EQ(Changed(Number(5), VT_BOOL), "-1");
-}
-
-TEST(Variant, RefusesTypesThatDoNotGoTogether) {
-    VARIANT null{};
-    null.vt = VT_NULL;
-    EXPECT_EQ(Changed(null, VT_I4), kMismatch);
-    EXPECT_EQ(Changed(Number(1), VT_DISPATCH), kMismatch);
-    EXPECT_EQ(Changed(Number(1), VT_I4 | VT_BYREF), kMismatch);
-    VARIANT unknown{};
-    unknown.vt = 0x123;
-    EXPECT_EQ(VariantClear(&unknown), DISP_E_BADVARTYPE);
-}
-
-TEST(Variant, ReadsThroughReferences) {
+TEST(Variant, ChangesBetweenNumbersAndTexts) {
+    const std::string mismatch = Hex(DISP_E_TYPEMISMATCH);
+    const std::string overflow = Hex(DISP_E_OVERFLOW);
     LONG number = 7;
-    VARIANT reference{};
-    reference.vt = VT_I4 | VT_BYREF;
-    reference.plVal = &number;
-    VARIANT outer{};
-    outer.vt = VT_VARIANT | VT_BYREF;
-    outer.pvarVal = &reference;
-    EXPECT_EQ(Changed(reference, VT_BSTR), "7");
-    EXPECT_EQ(Changed(outer, VT_BSTR), "7");
-}
-
-TEST(Variant, ChangesInPlace) {
-    VARIANT value = Text("5");
-    ASSERT_EQ(VariantChangeType(&value, &value, 0, VT_I4), S_OK);
-    EXPECT_EQ(value.lVal, 5);
-    ASSERT_EQ(VariantChangeType(&value, &value, 0, VT_BSTR), S_OK);
-    EXPECT_EQ(Narrow(value.bstrVal), "5");
-    EXPECT_EQ(VariantChangeType(&value, &value, 0, VT_DISPATCH), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(Narrow(value.bstrVal), "5");
-    VariantClear(&value);
+    BSTR text = SysAllocString(OLESTR("8"));
+    VARIANT reference = OfType(VT_I4 | VT_BYREF, &number);
+    const struct {
+        VARIANT from;
+        VARTYPE to;
+        std::string expected;
+    } cases[] = {
+        {TextValue(" -12 "), VT_I4, "-12"},
+        {TextValue("+3"), VT_I4, "3"},
+        // A number's text ends with its first zero.
+        {TextValue(std::string("1\0x", 3)), VT_I4, "1"},
+        {TextValue("2147483648"), VT_I4, overflow},
+        {TextValue(""), VT_I4, mismatch},
+        {TextValue("12x"), VT_I4, mismatch},
+        {TextValue("+-1"), VT_I4, mismatch},
+        {Number(-2147483647 - 1), VT_BSTR, "-2147483648"},
+        {VARIANT{}, VT_I4, "0"},
+        {VARIANT{}, VT_BSTR, ""},
+        {OfType(VT_NULL), VT_I4, mismatch},
+        {Number(1), VT_DISPATCH, mismatch},
+        {Number(1), VT_I4 | VT_BYREF, mismatch},
+        {reference, VT_BSTR, "7"},
+        {OfType(VT_BSTR | VT_BYREF, &text), VT_I4, "8"},
+        {OfType(VT_VARIANT | VT_BYREF, &reference), VT_BSTR, "7"},
+    };
+    for (const auto& one : cases) EXPECT_EQ(Changed(one.from, one.to), one.expected) << &one - cases;
+    EXPECT_EQ(Narrow(text), "8") << "a variant does not own what it refers to";
+    SysFreeString(text);
 }
 
 TEST(Variant, CopiesTextsWithTheZerosInThem) {
-    VARIANT text = Text(std::string("a\0b", 3));
-    VARIANT copy = Text("old");
-    ASSERT_EQ(VariantCopy(&copy, &text), S_OK);
+    VARIANT text = TextValue(std::string("a\0b", 3));
+    VARIANT copy = TextValue("old");
+    ASSERT_EQ(VariantChangeType(&copy, &text, 0, VT_BSTR), S_OK);
     EXPECT_NE(copy.bstrVal, text.bstrVal);
     EXPECT_EQ(Narrow(copy.bstrVal), std::string("a\0b", 3));
     VariantClear(&text);
     VariantClear(&copy);
     EXPECT_EQ(copy.vt, VT_EMPTY);
-}
-
-TEST(Variant, DoesNotOwnWhatItRefersTo) {
-    BSTR text = SysAllocString(OLESTR("mine"));
-    VARIANT reference{};
-    reference.vt = VT_BSTR | VT_BYREF;
-    reference.pbstrVal = &text;
-    EXPECT_EQ(VariantClear(&reference), S_OK);
-    EXPECT_EQ(Narrow(text), "mine");
-    SysFreeString(text);
+    VARIANT unknown = OfType(0x123);
+    EXPECT_EQ(VariantClear(&unknown), DISP_E_BADVARTYPE);
 }
 
 }  // namespace

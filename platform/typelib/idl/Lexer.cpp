@@ -1,4 +1,4 @@
-#include "platform/typelib/Lexer.h"
+#include "platform/typelib/idl/Lexer.h"
 
 #include <charconv>
 #include <optional>

@@ -1,4 +1,4 @@
-// wnidl IN OUT: checks an interface description and writes it in the form that a module holds as its type library.
+// wnidl IN OUT: checks an interface description and writes the tables that a module holds as its type library.
 //
 // Exits with 0, or with 1 after one line on the standard error that names file, line and column and says what is
 // wrong; nothing is written then.
@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/typelib/Description.h"
+#include "platform/typelib/idl/Description.h"
 
 namespace {
 
@@ -28,15 +28,15 @@ int Convert(const char* in, const char* out) {
         std::fprintf(stderr, "%s: error: The file cannot be read.\n", in);
         return 1;
     }
-    std::string canonical;
+    std::string blob;
     try {
-        canonical = Canonical(*Read(*text));
+        blob = Read(*text).Blob();
     } catch (const DescriptionError& error) {
         std::fprintf(stderr, "%s:%u:%u: error: %s\n", in, error.Where().line, error.Where().column, error.what());
         return 1;
     }
     std::ofstream file(out, std::ios::binary | std::ios::trunc);
-    file << canonical;
+    file << blob;
     file.close();
     if (!file) {
         // A part of a library must not pass for the whole one.

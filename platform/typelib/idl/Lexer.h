@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/typelib/Description.h"
+#include "platform/typelib/idl/Description.h"
 
 namespace wnplatform::typelib {
 
