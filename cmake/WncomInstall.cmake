@@ -43,7 +43,11 @@ else()
 endif()
 
 # What others build against
-install(TARGETS wncom_headers wncom_logging EXPORT wnCOMTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(
+    TARGETS wncom_headers wncom_logging wncom_services wncom_sdk
+    EXPORT wnCOMTargets
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+)
 install(DIRECTORY include/wncom DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
 install(FILES agent/wnCOM.idl DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/wncom)
 if(WIN32)
@@ -64,7 +68,8 @@ else()
 endif()
 # CMake strips programs and libraries, but neither archives nor objects; their debug sections name the folders of the
 # building machine.
-set(stripped ${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:wncom_logging>)
+set(stripped "${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:wncom_logging>")
+string(APPEND stripped " ${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:wncom_services>")
 if(NOT WIN32)
     string(APPEND stripped " ${WNCOM_INSTALL_MODULEDIR}/module_start.o")
 endif()

@@ -48,6 +48,4 @@ if(WIN32)
 else()
     target_link_libraries(wncom_headers INTERFACE wnplatform)
 endif()
-# Under the names that the installed package has, for samples that build with either.
-set_target_properties(wncom_headers PROPERTIES EXPORT_NAME sdk)
-add_library(wnCOM::sdk ALIAS wncom_headers)
+set_target_properties(wncom_headers PROPERTIES EXPORT_NAME headers)

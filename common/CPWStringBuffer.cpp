@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "common/CPWStringBuffer.inl"
-#include "common/CPWStringBufferEditing.inl"
-#include "common/CPWStringBufferMultiByte.inl"
+#include "common/CPWStringBufferEditing.h"
+#include "common/CPWStringBufferMultiByte.h"
+#include "common/CPWStringBufferStorage.h"
 
 namespace wncom {
 namespace {

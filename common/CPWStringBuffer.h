@@ -209,8 +209,8 @@ private:
     std::size_t NearestOffset(std::size_t offset) const noexcept;
     void Place(const WCHAR* text, std::size_t length, std::size_t offset) noexcept;
     Former MakeRoom(std::size_t newLength) noexcept;
-    void AppendPart(const WCHAR* text, std::size_t count) noexcept;
     bool InsertPart(const WCHAR* text, std::size_t position, std::size_t count) noexcept;
+    bool InsertAtEnd(const WCHAR* text, std::size_t length, std::size_t count) noexcept;
     bool InsertReallocating(const WCHAR* text, std::size_t position, std::size_t count) noexcept;
     void InsertInPlace(const WCHAR* text, std::size_t position, std::size_t count) noexcept;
     void ConvertTo(std::size_t start, const char* text) noexcept;

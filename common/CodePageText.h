@@ -66,6 +66,7 @@ inline Bstr WidenToBstr(UINT codePage, std::string_view bytes) {
     text.attach(SysAllocStringLen(nullptr, static_cast<UINT>(units)));
     if (!text) throw std::bad_alloc();
     detail::ConvertToWide(codePage, 0, bytes, text.get(), units);
+    text.get()[units] = 0;
     return text;
 }
 

@@ -34,7 +34,11 @@ HRESULT SetDelimiter(const Accessor& accessor) noexcept {
 // An unanswered query is no failure; it leaves the answer empty.
 HRESULT Ask(const Accessor& accessor, const OLECHAR* query, CPBstrBuffer& answer) noexcept {
     const Bstr text(query);
-    return Guarded([&] { return text ? accessor->GetXML(text.get(), 0, answer.put()) : E_OUTOFMEMORY; });
+    const HRESULT status =
+        Guarded([&] { return text ? accessor->GetXML(text.get(), 0, answer.put()) : E_OUTOFMEMORY; });
+    // A text that came with "no match" is none.
+    if (status == S_FALSE) answer.Free();
+    return status;
 }
 
 // The next piece between delimiters that is not empty, cut off in place; null at the end.

@@ -173,7 +173,10 @@ void LogConversion::AppendNumber(LogLine& line, const LogArgument& argument) con
     const int base = type == 'o' ? 8 : (address || type == 'x' || type == 'X') ? 16 : 10;
     const char* end = base == 10 ? std::to_chars(digits, std::end(digits), value).ptr
                                  : std::to_chars(digits, std::end(digits), value, base).ptr;
-    const auto count = static_cast<std::size_t>(end - digits);
+    const bool precise = precision != kNoPrecision && !ForText();
+    // A number that asks for no digits and is 0 has none.
+    const std::size_t count =
+        value == 0 && precise && precision == 0 && !address ? 0 : static_cast<std::size_t>(end - digits);
     if (address || type == 'X') {
         std::transform(digits, digits + count, digits,
                        [](char c) { return c < 'a' ? c : static_cast<char>(c - 'a' + 'A'); });
@@ -181,10 +184,11 @@ void LogConversion::AppendNumber(LogLine& line, const LogArgument& argument) con
 
     std::string_view sign = "";
     if (decimal) sign = negative ? "-" : plus ? "+" : space ? " " : "";
-    if (alternate && value != 0 && base != 10) sign = base == 8 ? "0" : type == 'X' ? "0X" : "0x";
+    if (alternate && value != 0 && base == 16) sign = type == 'X' ? "0X" : "0x";
 
-    const bool precise = precision != kNoPrecision && !ForText();
     std::size_t least = address ? 2 * sizeof(void*) : precise ? precision : 1;
+    // An octal number begins with a 0, which counts as one of its digits.
+    if (alternate && base == 8) least = std::max(least, value == 0 ? 1 : count + 1);
     if (zeros && !left && !precise && width > sign.size()) least = std::max(least, width - sign.size());
     line.Append(sign);
     if (least > count) line.Append(least - count, '0');

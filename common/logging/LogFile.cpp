@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "common/logging/FilePlace.h"
+
 namespace wncom {
 namespace {
 
@@ -9,10 +11,12 @@ constexpr DWORD kLineWait = 500;
 constexpr DWORD kCloseWait = 1000;
 constexpr std::size_t kMutexNameBytes = 520;
 
-// Whoever ended without releasing the mutex left whole lines behind: a line is one write.
-bool Obtain(HANDLE mutex, DWORD milliseconds) noexcept {
-    const DWORD result = WaitForSingleObject(mutex, milliseconds);
-    return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+// The bytes that were written: to the file's end wherever that is, found and written in one step.
+DWORD WriteAtEnd(HANDLE file, std::string_view text) noexcept {
+    OVERLAPPED end = FilePlace(~ULONGLONG{0});
+    DWORD written = 0;
+    WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, &end);
+    return written;
 }
 
 bool IsNameCharacter(char c) noexcept {
@@ -40,14 +44,16 @@ bool LogFile::Open(const char* path) noexcept {
         OutputDebugStringA("Logging - warning: unable to set security on log file.\n");
         security.lpSecurityDescriptor = nullptr;
     }
-    m_file.reset(CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security,
-                             OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!m_file) return false;
+    const HANDLE file = CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security,
+                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    m_file = file;
+    m_endIsUnknown = true;
 
     char name[kMutexNameBytes];
     MakeMutexName(path, name);
-    m_mutex.reset(OpenMutexA(SYNCHRONIZE | MUTEX_MODIFY_STATE, TRUE, name));
-    if (!m_mutex) m_mutex.reset(CreateMutexA(&security, FALSE, name));
+    m_mutex = OpenMutexA(SYNCHRONIZE | MUTEX_MODIFY_STATE, TRUE, name);
+    if (!m_mutex) m_mutex = CreateMutexA(&security, FALSE, name);
     if (m_mutex) return true;
     OutputDebugStringA("QB Logging - unable to create mutex!!! \t--> ");
     OutputDebugStringA(name);
@@ -56,25 +62,50 @@ bool LogFile::Open(const char* path) noexcept {
     return false;
 }
 
+// Whoever ended while it held the mutex may have left the first half of a line.
+bool LogFile::Obtain(DWORD milliseconds) noexcept {
+    const DWORD result = WaitForSingleObject(m_mutex, milliseconds);
+    if (result == WAIT_ABANDONED) EndHalfLine();
+    return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+}
+
+void LogFile::EndHalfLine() noexcept {
+    const ULONGLONG size = FileSize(m_file);
+    char last = '\n';
+    DWORD read = 0;
+    OVERLAPPED at = FilePlace(size - 1);
+    if (size == 0 || !ReadFile(m_file, &last, 1, &read, &at) || last == '\n') return;
+    const std::string_view end = last == '\r' ? "\n" : "\r\n";
+    WriteAtEnd(m_file, end);
+}
+
 LogFile::Outcome LogFile::Append(std::string_view text) noexcept {
-    // The file's end wherever it is, found and written in one step.
-    OVERLAPPED end{};
-    end.Offset = end.OffsetHigh = 0xFFFFFFFF;
-    if (!Obtain(m_mutex.get(), kLineWait)) return Outcome::Dropped;
-    DWORD written = 0;
-    const bool whole = WriteFile(m_file.get(), text.data(), static_cast<DWORD>(text.size()), &written, &end) &&
-                       written == text.size();
-    ReleaseMutex(m_mutex.get());
+    if (!Obtain(kLineWait)) return Outcome::Dropped;
+    // A writer that was the last one to hold the mutex takes it along when it dies, and nobody is told.
+    if (m_endIsUnknown.load(std::memory_order_relaxed)) {
+        EndHalfLine();
+        m_endIsUnknown = false;
+    }
+    const DWORD written = WriteAtEnd(m_file, text);
+    const bool whole = written == text.size();
+    // On a full disk, or at a size limit, the start of the line may have found room.
+    if (!whole && written != 0 &&
+        SetFilePointer(m_file, -static_cast<LONG>(written), nullptr, FILE_END) != INVALID_SET_FILE_POINTER) {
+        SetEndOfFile(m_file);
+    }
+    ReleaseMutex(m_mutex);
     return whole ? Outcome::Written : Outcome::Failed;
 }
 
-bool LogFile::Lock() noexcept { return Obtain(m_mutex.get(), kCloseWait); }
+bool LogFile::Lock() noexcept { return Obtain(kCloseWait); }
 
-void LogFile::Unlock() noexcept { ReleaseMutex(m_mutex.get()); }
+void LogFile::Unlock() noexcept { ReleaseMutex(m_mutex); }
 
 void LogFile::Close() noexcept {
-    m_file.reset();
-    m_mutex.reset();
+    if (m_file) CloseHandle(m_file);
+    if (m_mutex) CloseHandle(m_mutex);
+    m_file = nullptr;
+    m_mutex = nullptr;
 }
 
 }  // namespace wncom

@@ -3,9 +3,8 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <string_view>
-
-#include "common/Owned.h"
 
 namespace wncom {
 
@@ -19,12 +18,13 @@ public:
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
-    bool IsOpen() const noexcept { return static_cast<bool>(m_file); }
-    HANDLE handle() const noexcept { return m_file.get(); }
+    bool IsOpen() const noexcept { return m_file != nullptr; }
+    HANDLE handle() const noexcept { return m_file; }
     // Opens or creates the file and its mutex, both for every user. False, with nothing open, for null and for a path
     // that cannot be opened.
     bool Open(const char* path) noexcept;
-    // Appends the text in one piece. It is dropped when the mutex is not obtained within 500 ms.
+    // Appends a line: the whole of it, behind a line that ended, or, when writing fails, nothing. It is dropped when
+    // the mutex is not obtained within 500 ms.
     Outcome Append(std::string_view text) noexcept;
     // Waits up to 1000 ms for the mutex; false when it was not obtained. Paired with Unlock.
     bool Lock() noexcept;
@@ -32,8 +32,13 @@ public:
     void Close() noexcept;
 
 private:
-    OwnedHandle m_file;
-    OwnedHandle m_mutex;
+    bool Obtain(DWORD milliseconds) noexcept;
+    void EndHalfLine() noexcept;
+
+    // Not owners: the log outlives every destructor of its module, for lines may come from later ones.
+    HANDLE m_file = nullptr;
+    HANDLE m_mutex = nullptr;
+    std::atomic<bool> m_endIsUnknown{false};  // until the first line after the opening
 };
 
 }  // namespace wncom

@@ -2,32 +2,17 @@
 
 #include <cstring>
 
+#include "common/logging/FilePlace.h"
+
 namespace wncom {
-namespace {
-
-DWORD Low(ULONGLONG value) noexcept { return static_cast<DWORD>(value); }
-DWORD High(ULONGLONG value) noexcept { return static_cast<DWORD>(value >> 32); }
-
-OVERLAPPED At(ULONGLONG offset) noexcept {
-    OVERLAPPED at{};
-    at.Offset = Low(offset);
-    at.OffsetHigh = High(offset);
-    return at;
-}
-
-}  // namespace
-
-LogTrim::LogTrim(HANDLE file, DWORD keepBytes) noexcept : m_file(file), m_keep(keepBytes) {
-    DWORD high = 0;
-    SetLastError(ERROR_SUCCESS);
-    const DWORD low = GetFileSize(file, &high);
-    if (low == INVALID_FILE_SIZE && GetLastError() != ERROR_SUCCESS) return;
-    m_size = (static_cast<ULONGLONG>(high) << 32) | low;
-    m_locked = m_size > m_keep && LockFile(file, 0, 0, low, high);
+LogTrim::LogTrim(HANDLE file, DWORD keepBytes) noexcept : m_file(file), m_size(FileSize(file)), m_keep(keepBytes) {
+    const OVERLAPPED end = FilePlace(m_size);
+    m_locked = m_size > m_keep && LockFile(file, 0, 0, end.Offset, end.OffsetHigh);
 }
 
 LogTrim::~LogTrim() {
-    if (m_locked) UnlockFile(m_file, 0, 0, Low(m_size), High(m_size));
+    const OVERLAPPED end = FilePlace(m_size);
+    if (m_locked) UnlockFile(m_file, 0, 0, end.Offset, end.OffsetHigh);
 }
 
 bool LogTrim::Run() noexcept {
@@ -41,7 +26,7 @@ bool LogTrim::Run() noexcept {
 
 // Reads a chunk; 0 bytes at the end of the file.
 bool LogTrim::ReadAt(ULONGLONG offset, DWORD& bytes) noexcept {
-    OVERLAPPED at = At(offset);
+    OVERLAPPED at = FilePlace(offset);
     bytes = 0;
     return offset >= m_size || ReadFile(m_file, m_chunk, sizeof(m_chunk), &bytes, &at);
 }
@@ -65,7 +50,7 @@ bool LogTrim::MoveToFront(ULONGLONG from, ULONGLONG& moved) noexcept {
     DWORD bytes = 0;
     for (moved = 0; ReadAt(from + moved, bytes); moved += bytes) {
         if (bytes == 0) return true;
-        OVERLAPPED at = At(moved);
+        OVERLAPPED at = FilePlace(moved);
         DWORD written = 0;
         if (!WriteFile(m_file, m_chunk, bytes, &written, &at) || written != bytes) return false;
     }

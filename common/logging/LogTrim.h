@@ -27,7 +27,7 @@ private:
     bool MoveToFront(ULONGLONG from, ULONGLONG& moved) noexcept;
 
     HANDLE m_file;
-    ULONGLONG m_size = 0;
+    ULONGLONG m_size;
     ULONGLONG m_keep;
     bool m_locked = false;
     char m_chunk[4096];

@@ -1,8 +1,7 @@
 #include <windows.h>
 
-#include <charconv>
+#include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "common/OpenKey.h"
 #include "common/logging/LoggingInternals.h"
@@ -18,12 +17,16 @@ bool ReadText(const OpenKey& key, const char* name, char (&text)[kLoggingConfigB
     return true;
 }
 
-// White space, then digits; anything else ends the number, and no digits are 0.
-std::uint32_t ReadNumber(const char* text) noexcept {
-    text += std::strspn(text, " \t\n\v\f\r");
-    std::uint32_t number = 0;
-    const auto result = std::from_chars(text, text + std::strlen(text), number);
-    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::uint32_t>::max() : number;
+// White space, then digits; anything else ends the number, and no digits are 0. A number beyond 32 bits keeps its low
+// 32 bits and stays beyond them.
+std::uint64_t ReadNumber(const char* text) noexcept {
+    constexpr std::uint64_t kBeyond = std::uint64_t{1} << 32;
+    std::uint64_t number = 0;
+    for (text += std::strspn(text, " \t\n\v\f\r"); *text >= '0' && *text <= '9'; ++text) {
+        number = number * 10 + static_cast<unsigned>(*text - '0');
+        if (number >= kBeyond) number = number % kBeyond + kBeyond;
+    }
+    return number;
 }
 
 // Ends the field at the next comma and returns what stands behind it, null when there is none.
@@ -35,6 +38,10 @@ char* CutField(char* field) noexcept {
 }
 
 std::uint8_t ReadLevel(const char* text) noexcept { return static_cast<std::uint8_t>(ReadNumber(text)); }
+
+std::uint32_t ReadSizeLimit(const char* text) noexcept {
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(ReadNumber(text), 0xFFFFFFFF));
+}
 
 }  // namespace
 
@@ -62,7 +69,7 @@ std::uint8_t ParseLoggingConfig(const char* configuration) noexcept {
     if (!third) return 0;
     const char* fourth = CutField(third);
     if (!fourth) return InitLogging(ReadLevel(third), LogDestination::File, second, 0);
-    return InitLogging(ReadLevel(fourth), LogDestination::SizedFile, second, ReadNumber(third));
+    return InitLogging(ReadLevel(fourth), LogDestination::SizedFile, second, ReadSizeLimit(third));
 }
 
 }  // namespace wncom

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <type_traits>
 
 #include "common/logging/LogTrim.h"
 #include "common/logging/LoggingInternals.h"
@@ -8,6 +9,8 @@ namespace wncom {
 
 constinit RelaxedByte LogLevel;
 constinit LoggingState loggingState;
+// Destructors of the process's statics log too, whenever they run.
+static_assert(std::is_trivially_destructible_v<LoggingState>);
 
 namespace {
 

@@ -1,7 +1,5 @@
-#include <memory>
-#include <mutex>
-#include <new>
-#include <vector>
+#include <cstddef>
+#include <type_traits>
 
 #include "common/Guard.h"
 #include "common/server/Server.h"
@@ -12,7 +10,7 @@ namespace {
 // Lives as long as the module, whoever holds it: a held class object is no module lock.
 class ClassObject final : public IClassFactory {
 public:
-    explicit ClassObject(const ServedClass& served) noexcept : m_served(served) {}
+    constexpr ClassObject() noexcept = default;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         if (!object) return E_POINTER;
@@ -33,7 +31,7 @@ public:
         *object = nullptr;
         // The outer object must get the inner IUnknown, or it could never tell the inner object's from its own.
         if (outer && iid != IID_IUnknown) return CLASS_E_NOAGGREGATION;
-        return Guarded([&] { return m_served.create(outer, iid, object); });
+        return Guarded([&] { return Served().create(outer, iid, object); });
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
         if (lock) {
@@ -45,27 +43,29 @@ public:
     }
 
 private:
-    const ServedClass& m_served;
+    const ServedClass& Served() const noexcept;
+
     LONG m_references = 0;
 };
 
-std::mutex g_section;  // serialises the first creation of a class object
-std::vector<std::unique_ptr<ClassObject>> g_classObjects;
+constexpr std::size_t kMostClasses = 16;
+
+// Neither freed nor destroyed at the process's end: statics of the client that end later may still use them.
+constinit ClassObject g_classObjects[kMostClasses];
+static_assert(std::is_trivially_destructible_v<ClassObject>);
+
+const ServedClass& ClassObject::Served() const noexcept {
+    return kServer.classes[static_cast<std::size_t>(this - g_classObjects)];
+}
 
 }  // namespace
 
 HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** object) noexcept {
     *object = nullptr;
-    return Guarded([&]() -> HRESULT {
-        for (std::size_t i = 0; i < kServer.classes.size(); ++i) {
-            if (kServer.classes[i].clsid != clsid) continue;
-            const std::lock_guard lock(g_section);
-            g_classObjects.resize(kServer.classes.size());
-            if (!g_classObjects[i]) g_classObjects[i] = std::make_unique<ClassObject>(kServer.classes[i]);
-            return g_classObjects[i]->QueryInterface(iid, object);
-        }
-        return CLASS_E_CLASSNOTAVAILABLE;
-    });
+    for (std::size_t i = 0; i < kServer.classes.size() && i < kMostClasses; ++i) {
+        if (kServer.classes[i].clsid == clsid) return g_classObjects[i].QueryInterface(iid, object);
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
 }
 
 }  // namespace wncom::server

@@ -17,13 +17,14 @@ struct ServedClass {
     CLSID clsid;
     const char* name;  // for people, such as "Wendrel Class"
     const char* progId;
-    const char* versionIndependentProgId;  // may equal progId: then no separate key is written
+    // May equal progId: then all rows of both land in that one key.
+    const char* versionIndependentProgId;
     // Makes an object, aggregated when there is an outer one, and asks it for the interface.
     HRESULT (*create)(IUnknown* outer, REFIID iid, void** object);
 };
 
 struct ServerDescription {
-    std::span<const ServedClass> classes;  // in the order of registration
+    std::span<const ServedClass> classes;  // at most 16, in the order of registration
     GUID libraryId;                        // the type library, resource number 1 of the module
     WORD libraryMajor;
     WORD libraryMinor;
@@ -56,7 +57,7 @@ public:
 HRESULT RegisterServer() noexcept;
 HRESULT UnregisterServer() noexcept;
 
-// The class object of one class of kServer; made on the first request and kept for the life of the module.
+// The class object of one class of kServer; the same one for the life of the module.
 HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** object) noexcept;
 
 }  // namespace wncom::server

@@ -41,9 +41,21 @@ private:
     sigset_t m_before{};
 };
 
+// A file at the size limit of the process is an error of the write, like a full disk, and not the process's end.
+// Whoever has chosen what the signal does keeps that.
+void TakeSizeLimitAsError() noexcept {
+    static const bool once = [] {
+        struct sigaction chosen;
+        if (sigaction(SIGXFSZ, nullptr, &chosen) == 0 && chosen.sa_handler == SIG_DFL) signal(SIGXFSZ, SIG_IGN);
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
 // Calls write(bytes, count, done) until everything is written or it fails.
 template <class Write>
 std::size_t Complete(const void* bytes, std::size_t count, Write write) noexcept {
+    TakeSizeLimitAsError();
     std::size_t done = 0;
     while (done < count) {
         const ssize_t written = write(static_cast<const char*>(bytes) + done, count - done, done);

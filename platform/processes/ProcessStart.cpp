@@ -54,6 +54,7 @@ public:
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&m_attributes, &signals);
         sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGXFSZ);
         sigaddset(&signals, SIGCHLD);
         posix_spawnattr_setsigdefault(&m_attributes, &signals);
         const int session = ownSession ? POSIX_SPAWN_SETSID : 0;

@@ -1,16 +1,15 @@
 #include "tests/common/LogFixture.h"
 
+#include "common/OpenKey.h"
 #include "tests/support/Host.h"
 
 namespace wncom::test {
 
 void SetRegistryBytes(const char* keyPath, const char* name, std::string_view bytes) {
-    HKEY key = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExA(HKEY_LOCAL_MACHINE, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                             KEY_WRITE, nullptr, &key, nullptr));
-    EXPECT_EQ(ERROR_SUCCESS, RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.data()),
+    OpenKey key;
+    ASSERT_EQ(ERROR_SUCCESS, key.Create(HKEY_LOCAL_MACHINE, keyPath));
+    EXPECT_EQ(ERROR_SUCCESS, RegSetValueExA(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.data()),
                                             static_cast<DWORD>(bytes.size())));
-    RegCloseKey(key);
 }
 
 void SetRegistryText(const char* key, const char* name, const std::string& text) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/OpenKey.h"
+
 namespace wncom::test {
 namespace {
 
@@ -44,7 +46,6 @@ struct Factory final : Counted<IClassFactory> {
         return Answer(iid == IID_IUnknown || iid == IID_IClassFactory, object);
     }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
-        if (IsToldTo("throw in creation")) throw std::runtime_error("told to");
         if (IsToldTo("refuse creation")) return E_ACCESSDENIED;
         return g_sample.QueryInterface(iid, object);
     }
@@ -56,14 +57,8 @@ struct Factory final : Counted<IClassFactory> {
 Factory g_factory;
 
 void SetDefaultValue(const std::string& subkey, const std::string& text) {
-    HKEY key = nullptr;
-    if (RegCreateKeyExA(HKEY_CLASSES_ROOT, subkey.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
-                        &key, nullptr) != ERROR_SUCCESS) {
-        return;
-    }
-    RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                   static_cast<DWORD>(text.size() + 1));
-    RegCloseKey(key);
+    OpenKey key;
+    if (key.Create(HKEY_CLASSES_ROOT, subkey.c_str()) == ERROR_SUCCESS) key.WriteText(nullptr, text);
 }
 
 std::string OwnPath() {

@@ -13,7 +13,7 @@ inline constexpr char kSampleProgId[] = "WncomTest.Sample";
 inline constexpr const OLECHAR* kSampleProgIdWide = OLESTR("WncomTest.Sample");
 
 // What the module does in the environment variable of that name: "refuse registration", "throw in registration",
-// "refuse creation", "throw in creation"; anything else succeeds.
+// "refuse creation"; anything else succeeds.
 inline constexpr char kSampleBehaviour[] = "WNCOM_TEST_SAMPLE";
 
 struct ISample : IUnknown {

@@ -1,4 +1,4 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
@@ -12,13 +12,7 @@
 namespace wncom::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
-
-constexpr char kLabel[] = "CPComPtr<>::RegisterComponent | ";
+const std::string kLabel = "CPComPtr<>::RegisterComponent | ";
 
 HRESULT Register(const std::string& path, bool registerModule = true) {
     return CPComPtr<ISample>::RegisterComponent(std::basic_string<WCHAR>(path.begin(), path.end()).c_str(),
@@ -63,8 +57,8 @@ TEST_F(RegisterComponent, CallsTheModulesRegistrationAndItsReverse) {
     EXPECT_TRUE(IsRegistered());
     EXPECT_EQ(Register(module, false), S_OK);
     EXPECT_FALSE(IsRegistered());
-    EXPECT_THAT(Messages(log), ElementsAre(std::string("3 ") + kLabel + module + " | Register",
-                                           std::string("3 ") + kLabel + module + " | UnRegister"));
+    EXPECT_EQ(Messages(log), (std::vector<std::string>{"3 " + kLabel + module + " | Register",
+                                                       "3 " + kLabel + module + " | UnRegister"}));
 }
 
 TEST_F(RegisterComponent, TakesAnExtensionInCapitalsForALibrary) {
@@ -75,93 +69,72 @@ TEST_F(RegisterComponent, TakesAnExtensionInCapitalsForALibrary) {
     EXPECT_EQ(Register(copy, false), S_OK);
 }
 
-TEST_F(RegisterComponent, RefusesAPathWithoutAFile) {
+TEST_F(RegisterComponent, RefusesAPathWithoutAFileInSilence) {
     const LogCapture log;
     EXPECT_EQ(Register(HomePath() + "/absent.dll"), E_FAIL);
     EXPECT_EQ(Register(""), E_FAIL);
     EXPECT_EQ(CPComPtr<ISample>::RegisterComponent(nullptr, true), E_FAIL);
-    const auto lines = Messages(log);
-    ASSERT_EQ(lines.size(), 3u);
-    for (const std::string& line : lines) EXPECT_THAT(line, StartsWith(std::string("3 ") + kLabel));
-}
-
-TEST_F(RegisterComponent, RefusesAPathWithoutAMultiByteForm) {
     EXPECT_EQ(CPComPtr<ISample>::RegisterComponent(OLESTR("/\u4E2D.dll"), true), E_FAIL);
+    for (const std::string& line : Messages(log)) {
+        EXPECT_TRUE(line.starts_with("3 " + kLabel) || line.starts_with("1 Assertion failed: mbstrRequired")) << line;
+    }
 }
 
 TEST_F(RegisterComponent, DoesNothingForOtherFiles) {
-    for (const char* name : {"plain.txt", "library.dll.bak", "dll"}) {
-        WriteWholeFile(HomePath() + "/" + name, "");
-        EXPECT_EQ(Register(HomePath() + "/" + name), S_OK) << name;
-    }
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(HomePath());
-    EXPECT_EQ(Register("dll"), S_OK);
+    for (const char* name : {"plain.txt", "library.dll.bak", "dll"}) {
+        WriteWholeFile(HomePath() + "/" + name, "");
+        EXPECT_EQ(Register(name), S_OK) << name;
+    }
     std::filesystem::current_path(before);
 }
 
-TEST_F(RegisterComponent, ReportsALibraryThatDoesNotLoad) {
-    WriteWholeFile(HomePath() + "/broken.dll", "not a library");
-    const LogCapture log;
-    EXPECT_EQ(Register(HomePath() + "/broken.dll"), E_FAIL);
-    EXPECT_THAT(Messages(log).back(), std::string("1 ") + kLabel + "LoadLibrary Failed!!!");
-}
-
-TEST_F(RegisterComponent, ReportsALibraryWithoutRegistration) {
-    const LogCapture log;
-    EXPECT_EQ(Register(ProgramFolder() + "/SampleBareModule.dll"), E_FAIL);
-    EXPECT_THAT(Messages(log).back(), std::string("1 ") + kLabel + "GetProcAddress Failed!!!");
-}
-
-TEST_F(RegisterComponent, HandsARefusedRegistrationOn) {
-    SetEnvironment(kSampleBehaviour, "refuse registration");
-    const LogCapture log;
-    EXPECT_EQ(Register(module), E_ACCESSDENIED);
-    EXPECT_EQ(Messages(log).back(),
-              std::string("2 ") + kLabel + "COM Registration Failed!!! | module=" + Lowered(module));
-}
-
-TEST_F(RegisterComponent, SurvivesARegistrationThatThrows) {
-    SetEnvironment(kSampleBehaviour, "throw in registration");
-    const LogCapture log;
-    EXPECT_EQ(Register(module), E_FAIL);
-    EXPECT_EQ(Messages(log).back(),
-              std::string("1 ") + kLabel + "DLL COM Registration Threw an Exception!!! | module=" + Lowered(module));
+TEST_F(RegisterComponent, SaysWhyALibraryCannotBeRegistered) {
+    const std::string broken = HomePath() + "/broken.dll";
+    WriteWholeFile(broken, "not a library");
+    const struct {
+        std::string path;
+        const char* behaviour;
+        HRESULT status;
+        std::string line;
+    } cases[] = {
+        {broken, "", E_FAIL, "1 " + kLabel + "LoadLibrary Failed!!!"},
+        {ProgramFolder() + "/SampleBareModule.dll", "", E_FAIL, "1 " + kLabel + "GetProcAddress Failed!!!"},
+        {module, "refuse registration", E_ACCESSDENIED,
+         "2 " + kLabel + "COM Registration Failed!!! | module=" + Lowered(module)},
+        {module, "throw in registration", E_FAIL,
+         "1 " + kLabel + "DLL COM Registration Threw an Exception!!! | module=" + Lowered(module)},
+    };
+    for (const auto& given : cases) {
+        SetEnvironment(kSampleBehaviour, given.behaviour);
+        const LogCapture log;
+        EXPECT_EQ(Register(given.path), given.status) << given.line;
+        EXPECT_EQ(Messages(log).back(), given.line);
+    }
 }
 
 TEST_F(RegisterComponent, RunsAnExecutableWithTheSwitch) {
     const std::string output = HomePath() + "/arguments";
-    const std::string server = Server("Server.EXE", "WNCOM_SAMPLE_OUTPUT", output);
+    const std::string server = Server("a Server of mine.EXE", "WNCOM_SAMPLE_OUTPUT", output);
     EXPECT_EQ(Register(server), S_OK);
     EXPECT_EQ(ReadWholeFile(output), "/regserver\n");
     EXPECT_EQ(Register(server, false), S_OK);
     EXPECT_EQ(ReadWholeFile(output), "/unregserver\n");
 }
 
-TEST_F(RegisterComponent, RunsAnExecutableWhosePathHasSpaces) {
-    const std::string output = HomePath() + "/arguments";
-    EXPECT_EQ(Register(Server("a server of mine.exe", "WNCOM_SAMPLE_OUTPUT", output)), S_OK);
-    EXPECT_EQ(ReadWholeFile(output), "/regserver\n");
-}
-
-TEST_F(RegisterComponent, WaitsForAnExecutableOverSeveralWaits) {
+TEST_F(RegisterComponent, WaitsForAnExecutableAndReportsItsFailureCode) {
     EXPECT_EQ(Register(Server("slow.exe", "WNCOM_SAMPLE_SLEEP", "700")), S_OK);
-}
-
-TEST_F(RegisterComponent, ReportsAnExecutablesFailureCode) {
+    SetEnvironment("WNCOM_SAMPLE_SLEEP", nullptr);
     const std::string server = Server("failing.exe", "WNCOM_SAMPLE_EXIT", "3");
     const LogCapture log;
     EXPECT_EQ(Register(server), E_FAIL);
-    EXPECT_EQ(Messages(log).back(), std::string("2 ") + kLabel +
-                                        "COM Registration - exited with a failure code!!! | module=\"" +
+    EXPECT_EQ(Messages(log).back(), "2 " + kLabel + "COM Registration - exited with a failure code!!! | module=\"" +
                                         Lowered(server) + "\" /regserver | 3");
-}
-
-TEST_F(RegisterComponent, SaysNothingMoreOfAnExecutableThatDoesNotStart) {
     WriteWholeFile(HomePath() + "/unstartable.exe", "");
-    const LogCapture log;
+    const std::size_t before = Messages(log).size();
     EXPECT_EQ(Register(HomePath() + "/unstartable.exe"), E_FAIL);
-    EXPECT_EQ(Messages(log).size(), 1u);
+    EXPECT_EQ(Messages(log).size(), before + 1) << "nothing more of what does not start";
 }
 
 TEST_F(RegisterComponent, GivesUpOnAnExecutableThatHangsAndLeavesItRunning) {
@@ -169,8 +142,8 @@ TEST_F(RegisterComponent, GivesUpOnAnExecutableThatHangsAndLeavesItRunning) {
     const std::string server = Server("hanging.exe", "WNCOM_SAMPLE_UNTIL", end);
     const LogCapture log;
     EXPECT_EQ(Register(server), E_FAIL);
-    EXPECT_EQ(Messages(log).back(), std::string("2 ") + kLabel + "COM Registration Hung!!! | module=\"" +
-                                        Lowered(server) + "\" /regserver");
+    EXPECT_EQ(Messages(log).back(),
+              "2 " + kLabel + "COM Registration Hung!!! | module=\"" + Lowered(server) + "\" /regserver");
     WriteWholeFile(end, "");
     for (int i = 0; i < 1000 && std::filesystem::exists(end); ++i) Sleep(10);
     EXPECT_FALSE(std::filesystem::exists(end)) << "it no longer ran";

@@ -1,8 +1,9 @@
 // A system whose component creation throws, as one does that hands a component's own exceptions through.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <string>
 
+#include "common/OpenKey.h"
 #include "tests/common/SampleComponent.h"
 #include "tests/support/LogCapture.h"
 #include "wncom/CPComPtr.h"
@@ -24,14 +25,9 @@ namespace wncom::test {
 namespace {
 
 TEST(CreateComponent, ForgetsWhatAThrowingCreationLeftBehind) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CLASSES_ROOT, (std::string(kSampleProgId) + "\\CLSID").c_str(), 0, nullptr,
-                              REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr),
-              ERROR_SUCCESS);
-    RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(kSampleClassText),
-                   sizeof(kSampleClassText));
-    RegCloseKey(key);
-
+    OpenKey key;
+    ASSERT_EQ(key.Create(HKEY_CLASSES_ROOT, (std::string(kSampleProgId) + "\\CLSID").c_str()), ERROR_SUCCESS);
+    key.WriteText(nullptr, kSampleClassText);
     const LogCapture log;
     CPComPtr<ISample> component;
     EXPECT_EQ(component.CreateInstance(kSampleProgIdWide), E_FAIL);

@@ -46,34 +46,27 @@ TEST_F(LoggingFile, IsCutToItsNewestLinesByTheLastEnd) {
     EXPECT_EQ(text.substr(text.size() - 102400 / 11 * 11), Text());
 }
 
-TEST_F(LoggingFile, IsCutBehindTheFirstLineFeedEvenWhereTheLimitMeetsALineStart) {
-    std::string text;
-    for (int i = 0; i != 300; ++i) text += "1234567\n";
-    WriteWholeFile(path, text);
-    Start(SizedConfig(1));
-    EndLogging();
-    EXPECT_EQ(1024U - 8, Text().size());
-}
-
-TEST_F(LoggingFile, IsNotCutWithinTheLimitOrByALimitThatDoesNotCount) {
-    const std::string text = Numbered(100000);
-    WriteWholeFile(path, text);
-    for (const int limit : {0, 1024, 2048}) {
-        Start(SizedConfig(limit));
+TEST_F(LoggingFile, IsCutBehindTheFirstLineFeedOfItsNewestBytesOrNotAtAll) {
+    struct {
+        std::string text;
+        int limit;
+        std::size_t kept;
+    } const cases[] = {{Numbered(1000) + std::string(1024, 'x'), 1, 1024},  // no line feed among them
+                       {std::string(3072 - 8, 'x') + "1234567\n", 1, 0},
+                       {std::string(2048, '\n'), 1, 1023},
+                       {std::string(6000, 'x') + "\n" + std::string(10, 'y'), 5, 10},  // beyond the first chunk
+                       {Numbered(100000), 0, 1100000},
+                       {Numbered(100000), 1024, 1100000},
+                       {std::string(1024, '\n'), 1, 1024},
+                       {std::string(1025, '\n'), 1, 1023},
+                       {Numbered(100000), 1023, 1023 * 1024 - 11}};
+    for (const auto& given : cases) {
+        WriteWholeFile(path, given.text);
+        Start(SizedConfig(given.limit));
         EndLogging();
-        EXPECT_EQ(text.size(), std::filesystem::file_size(path)) << limit;
+        EXPECT_TRUE(Text() == given.text.substr(given.text.size() - given.kept))
+            << given.kept << " of " << given.text.size() << " bytes, " << given.limit << " KB";
     }
-    WriteWholeFile(path, text.substr(0, 1024));
-    Start(SizedConfig(1));
-    EndLogging();
-    EXPECT_EQ(1024U, Text().size());
-}
-
-TEST_F(LoggingFile, KeepsItsNewestBytesWhenTheyHoldNoLineFeed) {
-    WriteWholeFile(path, std::string(3000, 'x'));
-    Start(SizedConfig(1));
-    EndLogging();
-    EXPECT_EQ(std::string(1024, 'x'), Text());
 }
 
 TEST_F(LoggingFile, IsNotCutWhileAnotherHandleHoldsALockOnIt) {
@@ -87,13 +80,7 @@ TEST_F(LoggingFile, IsNotCutWhileAnotherHandleHoldsALockOnIt) {
     EXPECT_TRUE(TrimLogFile(1));
     EXPECT_FALSE(TrimLogFile(1));
     CloseHandle(other);
-}
-
-TEST_F(LoggingFile, StaysOpenThroughATrimThatIsNotTheEnd) {
-    WriteWholeFile(path, Numbered(1000));
-    Start(SizedConfig(1));
-    EXPECT_TRUE(TrimLogFile(1));
-    EXPECT_EQ(1, QueryLogging(nullptr, nullptr));
+    EXPECT_EQ(1, QueryLogging(nullptr, nullptr)) << "a trim that is not the end";
     Log(3, "line");
     EXPECT_EQ("CWendrel::line", Messages().back());
 }
@@ -105,6 +92,19 @@ TEST_F(LoggingFile, LeavesTheLevelAndNoReferenceWhenItDoesNotOpen) {
     Log(3, "lost");
     EXPECT_EQ("", DebuggerText());
     EXPECT_EQ(0, InitLogging(3, LogDestination::File, nullptr, 0));
+}
+
+TEST_F(LoggingFile, EndsTheHalfLineThatItWasLeftWith) {
+    const std::string found[] = {"half", "half\r", "whole\n", "whole\r\n", ""};
+    const std::string ended[] = {"half\r\n", "half\r\n", "whole\n", "whole\r\n", ""};
+    for (std::size_t i = 0; i != std::size(found); ++i) {
+        WriteWholeFile(path, found[i]);
+        Start(FileConfig(3));
+        EXPECT_EQ(found[i], Text()) << "only before a line";
+        Log(3, "line");
+        EXPECT_THAT(Text(), MatchesPattern(ended[i] + "[0-9][^ ]+ CWendrel::line\r\n")) << found[i];
+        EndLogging();
+    }
 }
 
 TEST_F(LoggingFile, SharesAMutexNamedAfterItsPath) {

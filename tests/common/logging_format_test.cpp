@@ -30,6 +30,8 @@ TEST(LogFormat, WritesNumbersByTheirOwnWidth) {
 TEST(LogFormat, FollowsFlagsWidthAndPrecision) {
     EXPECT_EQ("[   42][42   ][00042][  042]", Expand("[%5d][%-5d][%05d][%5.3d]", 42, 42, 42, 42));
     EXPECT_EQ("[-0042][+42][ 42][0x2a][052]", Expand("[%05d][%+d][% d][%#x][%#o]", -42, 42, 42, 42, 42));
+    EXPECT_EQ("[][][+][  ][0]", Expand("[%.0d][%.0x][%+.0d][%2.0u][%#.0o]", 0, 0, 0, 0, 0));
+    EXPECT_EQ("[00010][010][00010][0][0]", Expand("[%#.5o][%#.1o][%#05o][%#o][%#x]", 8, 8, 8, 0, 0));
     EXPECT_EQ("[  abc][ab][abc  ]", Expand("[%5s][%.2s][%-5s]", "abc", "abc", "abc"));
     EXPECT_EQ("[ é]", Expand("[%3S]", OLESTR("é")));
 }
@@ -53,12 +55,9 @@ TEST(LogFormat, WritesWideTextAsUtf8) {
     EXPECT_EQ("[€][\uFFFD][]", Expand("[%C][%C][%C]", OLESTR('€'), static_cast<WCHAR>(0xDC00), WCHAR{0}));
 }
 
-TEST(LogFormat, CountsBytesInThePrecisionOfWideTextAndCutsNoCharacter) {
+TEST(LogFormat, TakesNoMoreOfATextThanThePrecisionInBytesAndCutsNoCharacter) {
     EXPECT_EQ("a", Expand("%.3S", OLESTR("a€")));
     EXPECT_EQ("a€", Expand("%.4S", OLESTR("a€b")));
-}
-
-TEST(LogFormat, TakesNoMoreOfATextThanThePrecision) {
     const char unterminated[] = {'a', 'b', 'c'};
     EXPECT_EQ("abc", Expand("%.3s", static_cast<const char*>(unterminated)));
 }
@@ -86,13 +85,8 @@ TEST(LogFormat, SharesTheRoomAmongTheTexts) {
     const std::string cut(327, 'x');
     EXPECT_EQ("ENTER " + cut + " on line 7 in file " + cut + " @" + cut + "@",
               Expand("ENTER %s on line %d in file %s @%S@", kLong.c_str(), 7, kLong.c_str(), kLong.c_str()));
-}
-
-TEST(LogFormat, DoesNotCountAPercentSignBeforeALetter) {
+    // A percent sign before a letter takes no room, nor does a text of a precision of its own.
     EXPECT_EQ("%s " + std::string(1016, 'x'), Expand("%%s %s", kLong.c_str()));
-}
-
-TEST(LogFormat, DoesNotShareTheRoomWithTextsOfAPrecisionOfTheirOwn) {
     EXPECT_EQ("xx " + std::string(1015, 'x'), Expand("%.2s %s", kLong.c_str(), kLong.c_str()));
 }
 
@@ -118,21 +112,19 @@ TEST(LogFormat, EndsEveryLineOnce) {
     EXPECT_EQ("\r\n", end(""));
 }
 
-TEST(LogFormat, KeepsTheLineEndOfALineThatIsCut) {
-    LogLine line;
-    line.Append(kLong);
-    line.Append("\n");
-    const std::string text = line.End();
-    EXPECT_EQ(std::string(LogLine::kTextBytes, 'x') + "\r\n", text);
-    EXPECT_LT(text.size(), LogLine::kBufferBytes);
-}
-
-TEST(LogFormat, CutsALineBetweenCharacters) {
+TEST(LogFormat, CutsALineBetweenCharactersAndKeepsItsEnd) {
     LogLine line;
     line.Append(std::string(LogLine::kTextBytes - 2, 'x'));
     const LogArgument argument(OLESTR("€"));
     AppendMessage(line, "%Sy", &argument, 1);
     EXPECT_EQ(LogLine::kTextBytes - 2, line.length());
+    line.Append("\n");
+    EXPECT_EQ(std::string(LogLine::kTextBytes - 2, 'x') + "\r\n", line.End());
+    LogLine longest;
+    longest.Append(kLong);
+    const std::string text = longest.End();
+    EXPECT_EQ(std::string(LogLine::kTextBytes, 'x') + "\r\n", text);
+    EXPECT_LT(text.size(), LogLine::kBufferBytes);
 }
 
 TEST(LogFormat, BoundsManyWideNumbers) {

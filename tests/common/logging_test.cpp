@@ -52,13 +52,6 @@ TEST_F(Logging, KeepsASingleLineFeed) {
     EXPECT_THAT(Messages(), ElementsAre("CWendrel::a", "CWendrel::b", "CWendrel::c"));
 }
 
-TEST_F(Logging, AppendsToWhatTheFileHolds) {
-    WriteWholeFile(path, "before\n");
-    Start(FileConfig(1));
-    Log(1, "after");
-    EXPECT_THAT(Messages(), ElementsAre("before\n", "CWendrel::after"));
-}
-
 TEST_F(Logging, WritesToStandardOutputWithoutThePrefix) {
     testing::internal::CaptureStdout();
     Start("console,3");
@@ -68,31 +61,19 @@ TEST_F(Logging, WritesToStandardOutputWithoutThePrefix) {
     EXPECT_THAT(testing::internal::GetCapturedStdout(), MatchesPattern("CWendrel::100% of %s\nCWendrel::next\r?\n"));
 }
 
-TEST_F(Logging, WritesToTheDebuggerWithoutThePrefix) {
-    Start("debug,3");
-    Log(3, "line");
-    EXPECT_EQ("CWendrel::line\r\n", DebuggerText());
-}
-
-TEST_F(Logging, MarksTheFirstStartAndTheLastEnd) {
+TEST_F(Logging, MarksTheFirstStartAndTheLastEndAtLevelFour) {
     Start(FileConfig(4));
     Start(FileConfig(4), "CWendrelParent");
+    SetRegistryText(kLoggingKey, nullptr, "debug,4");
+    StartLogging("JobControlFactory");  // refused
     EndLogging();
     EXPECT_THAT(Messages(), ElementsAre("CWendrel:: ---Start Logging---"));
     EndLogging();
-    EXPECT_THAT(Messages(), ElementsAre("CWendrel:: ---Start Logging---", "CWendrelParent:: ---End Logging---"));
-}
-
-TEST_F(Logging, DoesNotMarkStartAndEndBelowLevelFour) {
+    const auto marked = ElementsAre("CWendrel:: ---Start Logging---", "JobControlFactory:: ---End Logging---");
+    EXPECT_THAT(Messages(), marked);
     Start(FileConfig(3));
     EndLogging();
-    EXPECT_EQ("", Text());
-}
-
-TEST_F(Logging, DoesNotMarkTheStartOfAComponentThatWasRefused) {
-    Start(FileConfig(4));
-    Start("debug,4");
-    EXPECT_THAT(Messages(), ElementsAre("CWendrel:: ---Start Logging---"));
+    EXPECT_THAT(Messages(), marked);
 }
 
 TEST_F(Logging, JoinsTheOpenDestinationWhateverElseTheSecondStartAsksFor) {
@@ -107,57 +88,41 @@ TEST_F(Logging, JoinsTheOpenDestinationWhateverElseTheSecondStartAsksFor) {
     EXPECT_EQ("", ReadWholeFile(other));
 }
 
-TEST_F(Logging, RefusesAnotherKindOfDestination) {
+TEST_F(Logging, RefusesAnotherKindOfDestinationAndStaysOpenWhenWhoWasRefusedEnds) {
     Start(FileConfig(3));
     for (const std::string other : {"debug,5", "console,5", "file,y.log,9,5"}) {
         SCOPED_TRACE(other);
         SetRegistryText(kLoggingKey, nullptr, other);
         bool taken = true;
-        StartLogging("CWendrelParent", &taken);
+        EXPECT_EQ(3, StartLogging("CWendrelParent", &taken));
         EXPECT_FALSE(taken);
+        LogReference().Start("CWendrelParent");
     }
     LogDestination destination = LogDestination::None;
     EXPECT_EQ(1, QueryLogging(nullptr, &destination));
     EXPECT_EQ(LogDestination::File, destination);
 }
 
-TEST_F(Logging, StaysOpenWhenAComponentThatWasRefusedEnds) {
-    Start(FileConfig(3));
-    {
-        SetRegistryText(kLoggingKey, nullptr, "debug,3");
-        LogReference refused;
-        refused.Start("CWendrelParent");
-    }
-    EXPECT_EQ(1, QueryLogging(nullptr, nullptr));
-}
-
 TEST_F(Logging, ReadsTheRegistryAfreshAfterTheLastEnd) {
     Start("debug,3");
     EndLogging();
-    EXPECT_EQ(0, LogLevel);
-    Start(FileConfig(5));
-    EXPECT_EQ(5, LogLevel);
-}
-
-TEST_F(Logging, LeavesTheOutputsOfAQueryAloneWhenNothingIsOpen) {
     std::uint8_t level = 77;
     LogDestination destination = LogDestination::Console;
     EXPECT_EQ(0, QueryLogging(&level, &destination));
     EXPECT_EQ(77, level);
     EXPECT_EQ(LogDestination::Console, destination);
+    EXPECT_EQ(0, LogLevel);
+    Start(FileConfig(5));
+    EXPECT_EQ(5, LogLevel);
 }
 
-TEST_F(Logging, ReplacesTheComponentNameEvenByATextThatOpensNothing) {
+TEST_F(Logging, NamesTheComponentThatStartedLastEvenByATextThatOpensNothing) {
     Start("debug,1");
     Start("nothing", "JobControlFactory");
     Log(1, "line");
-    EXPECT_EQ("JobControlFactory::line\r\n", DebuggerText());
-}
-
-TEST_F(Logging, CutsAnOverLongComponentName) {
     Start("debug,1", std::string(1000, 'n').c_str());
     Log(1, "line");
-    EXPECT_THAT(DebuggerText(), MatchesPattern("n+::line\r\n"));
+    EXPECT_EQ("JobControlFactory::line\r\n" + std::string(63, 'n') + "::line\r\n", DebuggerText());
 }
 
 TEST_F(Logging, KeepsTheLastError) {

@@ -48,3 +48,11 @@ if(NOT WNCOM_SANITIZE)
         SOURCES ../support/FailingAllocation.cpp event_xml_memory_linux_test.cpp
     )
 endif()
+add_executable(exit_client exit_client.cpp)
+target_link_libraries(exit_client PRIVATE wncom_options wncom_headers)
+set_target_properties(exit_client PROPERTIES SUFFIX .exe)
+wncom_add_test(
+    exit_test
+    DEPENDS exit_client wnCOM wnComponents
+    SOURCES ${CMAKE_SOURCE_DIR}/tests/platform/processes/Peer.cpp exit_test.cpp
+)

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <random>
 
-#include "common/CPWStringBuffer.inl"
-#include "common/CPWStringBufferEditing.inl"
-#include "common/CPWStringBufferMultiByte.inl"
+#include "common/CPWStringBufferEditing.h"
+#include "common/CPWStringBufferMultiByte.h"
+#include "common/CPWStringBufferStorage.h"
 #include "tests/common/string_buffer_kinds.h"
 
 namespace wncom::test {
@@ -196,10 +196,9 @@ using Kinds = testing::Types<CPBstrAllocator, CPHeapAllocator, FailingAllocator>
 TYPED_TEST_SUITE(StringBufferModel, Kinds);
 
 TYPED_TEST(StringBufferModel, HoldsWhatAPlainStringWouldHold) {
-    const unsigned seed = std::random_device{}();
-    for (unsigned run = 0; run < 20; ++run) {
-        SCOPED_TRACE("seed " + std::to_string(seed + run));
-        History<TypeParam>(seed + run).Run(400);
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        History<TypeParam>(seed).Run(400);
         if (this->HasFailure()) return;
     }
 }

@@ -10,38 +10,28 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(StringBufferText, StartsWithNothing) {
+TEST(StringBufferText, IsNothingUntilATextIsGiven) {
     CPHeapBuffer buffer;
     EXPECT_EQ(buffer.Text(), nullptr);
     EXPECT_EQ(buffer.Length(), 0u);
-    EXPECT_EQ(buffer.Tag(), 0u);
-    EXPECT_EQ(buffer.GetBuffer(), nullptr);
     EXPECT_EQ(buffer.GetMultiByte(), nullptr);
-}
-
-TEST(StringBufferText, StartsWithAGivenTextAndTag) {
-    const CPHeapBuffer buffer(OLESTR("abc"), 7, false);
-    EXPECT_EQ(TextOf(buffer), Letters(3));
-    EXPECT_EQ(buffer.Tag(), 7u);
-    EXPECT_EQ(buffer.Offset(), 0u);
+    EXPECT_EQ(buffer.Append("").Text(), nullptr);
     EXPECT_EQ(CPHeapBuffer(nullptr, 7).Text(), nullptr);
+    const CPHeapBuffer given(OLESTR("abc"), 7, false);
+    EXPECT_EQ(TextOf(given), Letters(3));
+    EXPECT_EQ(given.Tag(), 7u);
 }
 
-TEST(StringBufferText, IsErasedByANullOrEmptyAssignment) {
+TEST(StringBufferText, IsErasedByANullOrEmptyAssignmentAndLeftAloneByANullOrEmptyAddition) {
     CPHeapBuffer buffer(OLESTR("abc"));
+    buffer.Append(static_cast<const WCHAR*>(nullptr)).Append(OLESTR(""));
+    buffer.Append(static_cast<const char*>(nullptr)).Append("");
+    EXPECT_EQ(TextOf(buffer), Letters(3));
     EXPECT_EQ(TextOf(buffer.Assign(static_cast<const WCHAR*>(nullptr))), WideText());
     buffer.Assign("abc");
     EXPECT_EQ(TextOf(buffer.Assign(static_cast<const char*>(nullptr))), WideText());
     buffer.Assign("abc");
     EXPECT_EQ(TextOf(buffer.Assign("")), WideText());
-}
-
-TEST(StringBufferText, IsLeftAloneByANullOrEmptyAddition) {
-    CPHeapBuffer buffer(OLESTR("abc"));
-    buffer.Append(static_cast<const WCHAR*>(nullptr)).Append(OLESTR(""));
-    buffer.Append(static_cast<const char*>(nullptr)).Append("");
-    EXPECT_EQ(TextOf(buffer), Letters(3));
-    EXPECT_EQ(CPHeapBuffer().Append("").Text(), nullptr);
 }
 
 TEST(StringBufferText, CountsTheTerminatorOfAMultiByteText) {
@@ -77,9 +67,9 @@ TEST(StringBufferText, WithoutAMultiByteFormAnswersTheDefault) {
     CPHeapBuffer buffer(OLESTR("abc\u0100"));
     const LogCapture log(1);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "default");
-    EXPECT_THAT(log.Lines(), ElementsAre(MatchesPattern(
-                                 "1 Assertion failed: mbstrRequired, file CPWStringBuffer[A-Za-z]*.inl, line "
-                                 "[0-9]+")));
+    EXPECT_THAT(log.Lines(),
+                ElementsAre(MatchesPattern("1 Assertion failed: mbstrRequired, file CPWStringBufferMultiByte.h, line "
+                                           "[0-9]+")));
     buffer.Erase(3);
     EXPECT_STREQ(buffer.GetMultiByte("default"), "abc");
     buffer.Erase();

@@ -50,9 +50,10 @@ public:
         *text = nullptr;
         return Do("XMLSimpleAccessor.GetXML", {ToUtf8(query), std::to_string(flag)}, [&] {
             const std::optional<std::string> answer = Script().QueryAnswer(ToUtf8(query));
-            if (!answer) return S_FALSE;
-            *text = ToBstr(*answer).detach();
-            return S_OK;
+            // Callers must not use what comes with "no match", and free it.
+            const bool given = answer || Script().FlagOf("XMLSimpleAccessor.text without match");
+            if (given) *text = ToBstr(answer.value_or("no match")).detach();
+            return answer ? S_OK : S_FALSE;
         });
     }
 };

@@ -29,22 +29,18 @@ template <class Allocator>
 CPWStringBuffer<Allocator>& CPWStringBuffer<Allocator>::Append(const WCHAR* text) noexcept {
     if (!text) return *this;
     if (!mBuffer) return Assign(text);
-    AppendPart(text, wcslen(text));
-    return *this;
-}
-
-template <class Allocator>
-void CPWStringBuffer<Allocator>::AppendPart(const WCHAR* text, std::size_t count) noexcept {
+    const std::size_t count = wcslen(text);
     const std::size_t length = Length();
     const WCHAR* own = Text();
     const bool inside = std::less_equal<>{}(own, text) && std::less_equal<>{}(text, own + length);
     const Former former = MakeRoom(length + count);
-    if (!mBuffer) return;
+    if (!mBuffer) return *this;
     // A text of the buffer's own may have moved with it.
     if (inside) text = Text() + (text - own);
     WCHAR* end = Text() + length;
     std::memmove(end, text, count * sizeof(WCHAR));
     end[count] = 0;
+    return *this;
 }
 
 // Makes the text able to grow to that length behind its end; what it leaves behind stays alive with the result.
@@ -74,9 +70,9 @@ bool CPWStringBuffer<Allocator>::Insert(const WCHAR* text, std::size_t position,
         mBuffer && std::less_equal<>{}(mBuffer, text) && std::less_equal<>{}(text, mBuffer + Capacity());
     if (!inside) return InsertPart(text, position, count);
     // The gap for the new text may open in the middle of its source.
-    const OwnedStorage copy(Allocator::Allocate(count));
+    const OwnedStorage copy(Allocator::Allocate(available + 1));
     if (!copy) return false;
-    std::memcpy(copy.get(), text, count * sizeof(WCHAR));
+    std::memcpy(copy.get(), text, (available + 1) * sizeof(WCHAR));
     return InsertPart(copy.get(), position, count);
 }
 
@@ -93,12 +89,22 @@ bool CPWStringBuffer<Allocator>::InsertPart(const WCHAR* text, std::size_t posit
         Place(text, count, (capacity - count) / 2);
         return true;
     }
-    if (position >= length) {
-        AppendPart(text, count);
-        return mBuffer != nullptr;
-    }
+    if (position >= length) return InsertAtEnd(text, length, count);
     if (capacity <= length + count + 2) return InsertReallocating(text, position, count);
     InsertInPlace(text, position, count);
+    return true;
+}
+
+template <class Allocator>
+bool CPWStringBuffer<Allocator>::InsertAtEnd(const WCHAR* text, std::size_t length, std::size_t count) noexcept {
+    if (Capacity() - Offset() > length + count) {
+        std::memcpy(Text() + length, text, count * sizeof(WCHAR));
+    } else {
+        // All of it, so that a part that is followed by the next one finds its room made.
+        Append(text);
+        if (!mBuffer) return false;
+    }
+    Text()[length + count] = 0;
     return true;
 }
 
