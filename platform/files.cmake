@@ -14,6 +14,7 @@ target_sources(
             core/Handles.cpp
             files/IniFiles.cpp
             files/IniText.cpp
+            files/Reading.cpp
             sync/MutexFiles.cpp
             sync/MutexMemory.cpp
             sync/Mutexes.cpp
@@ -23,6 +24,5 @@ target_sources(
             sync/Security.cpp
             sync/SharedMutex.cpp
             core/Time.cpp
-            files/Wildcards.cpp
             files/Writing.cpp
 )

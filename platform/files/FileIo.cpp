@@ -90,28 +90,10 @@ BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD bytesWritten,
 DWORD SetFilePointer(HANDLE handle, LONG distance, LPLONG distanceHigh, DWORD method) {
     const ObjectUse<FileObject> file(handle);
     if (!file) return INVALID_SET_FILE_POINTER;
-    if (method > FILE_END) return NoPointer(ERROR_INVALID_PARAMETER);
-    constexpr int kOrigins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-    LONGLONG wanted = distance;
-    if (distanceHigh)
-        wanted = static_cast<LONGLONG>((ULONGLONG{static_cast<DWORD>(*distanceHigh)} << 32) |
-                                       static_cast<DWORD>(distance));
-
-    const off_t before = lseek(file->Get(), 0, SEEK_CUR);
-    const off_t position = before < 0 ? before : lseek(file->Get(), wanted, kOrigins[method]);
-    if (position < 0) {
-        const bool backwards = errno == EINVAL && wanted < 0;
-        return NoPointer(backwards ? ERROR_NEGATIVE_SEEK : ErrorFromErrno(errno));
-    }
-    if (!distanceHigh && position > off_t{0xFFFFFFFF}) {
-        // The caller could not learn where it is.
-        lseek(file->Get(), before, SEEK_SET);
-        return NoPointer(ERROR_INVALID_PARAMETER);
-    }
-    if (distanceHigh) *distanceHigh = static_cast<LONG>(position >> 32);
-    const DWORD low = static_cast<DWORD>(position);
-    if (low == INVALID_SET_FILE_POINTER) SetLastError(NO_ERROR);
-    return low;
+    if (distanceHigh || method != FILE_BEGIN) return NoPointer(ERROR_INVALID_PARAMETER);
+    if (distance < 0) return NoPointer(ERROR_NEGATIVE_SEEK);
+    if (lseek(file->Get(), distance, SEEK_SET) < 0) return NoPointer(ErrorFromErrno(errno));
+    return static_cast<DWORD>(distance);
 }
 
 DWORD GetFileSize(HANDLE handle, LPDWORD sizeHigh) {

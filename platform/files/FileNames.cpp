@@ -1,5 +1,4 @@
-// Files and folders by their names: attributes, making, deleting, renaming.
-#include <fcntl.h>
+// Files and folders by their names: attributes, deleting, renaming.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,7 +9,6 @@
 #include "platform/core/Errors.h"
 #include "platform/core/Guarded.h"
 #include "platform/files/FileObject.h"
-#include "platform/sync/Security.h"
 #include "wnplatform/inspect.h"
 
 namespace wnplatform {
@@ -23,19 +21,11 @@ bool IsFolder(const std::string& path) noexcept {
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-BOOL Move(const std::string& from, const std::string& to, bool replace) {
+BOOL Replace(const std::string& from, const std::string& to) {
     struct stat status;
     if (lstat(from.c_str(), &status) != 0) return FailPath(from);
-    if (from == to) return TRUE;
-    if (replace) {
-        if (IsFolder(to)) return Fail(ERROR_ACCESS_DENIED);
-        return rename(from.c_str(), to.c_str()) == 0 ? TRUE : FailPath(to);
-    }
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return TRUE;
-    if (errno != EINVAL || IsFolder(from)) return FailPath(to);
-    // A file system that cannot rename so: a second name is refused just the same where the target exists.
-    if (link(from.c_str(), to.c_str()) != 0) return FailPath(to);
-    return unlink(from.c_str()) == 0 ? TRUE : FailPath(from);
+    if (IsFolder(to)) return Fail(ERROR_ACCESS_DENIED);
+    return rename(from.c_str(), to.c_str()) == 0 ? TRUE : FailPath(to);
 }
 
 }  // namespace
@@ -57,17 +47,6 @@ DWORD GetFileAttributesA(LPCSTR path) {
     });
 }
 
-BOOL CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES security) {
-    return Guarded(FALSE, [path, security] {
-        const std::string host = HostPath(path);
-        if (mkdir(host.c_str(), 0777) != 0) {
-            return Fail(errno == ENOENT ? ERROR_PATH_NOT_FOUND : wnplatform::PathError(errno, host));
-        }
-        if (wnplatform::EveryoneMayOpen(security)) chmod(host.c_str(), 0777);
-        return TRUE;
-    });
-}
-
 BOOL DeleteFileA(LPCSTR path) {
     return Guarded(FALSE, [path] {
         const std::string host = HostPath(path);
@@ -78,10 +57,10 @@ BOOL DeleteFileA(LPCSTR path) {
 
 BOOL MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags) {
     return Guarded(FALSE, [from, to, flags] {
-        if (flags & ~DWORD{MOVEFILE_REPLACE_EXISTING}) return Fail(ERROR_INVALID_PARAMETER);
+        if (flags != MOVEFILE_REPLACE_EXISTING) return Fail(ERROR_INVALID_PARAMETER);
         const std::string hostFrom = HostPath(from);
         const std::string hostTo = HostPath(to);
         if (hostFrom.empty() || hostTo.empty()) return Fail(ERROR_PATH_NOT_FOUND);
-        return wnplatform::Move(hostFrom, hostTo, (flags & MOVEFILE_REPLACE_EXISTING) != 0);
+        return wnplatform::Replace(hostFrom, hostTo);
     });
 }

@@ -42,14 +42,10 @@ Opened OpenOrMake(const std::string& path, int flags) noexcept {
 
 Opened OpenByDisposition(const std::string& path, int flags, DWORD disposition) noexcept {
     switch (disposition) {
-        case CREATE_NEW:
-            return Try(path, flags | O_CREAT | O_EXCL);
         case CREATE_ALWAYS:
             return OpenOrMake(path, flags | O_TRUNC);
         case OPEN_ALWAYS:
             return OpenOrMake(path, flags);
-        case TRUNCATE_EXISTING:
-            return Try(path, flags | O_TRUNC);
         default:
             return Try(path, flags);
     }
@@ -69,12 +65,10 @@ HANDLE Refuse(DWORD code) noexcept {
 }
 
 HANDLE Create(const std::string& path, DWORD access, const SECURITY_ATTRIBUTES* security, DWORD disposition) {
-    if (disposition < CREATE_NEW || disposition > TRUNCATE_EXISTING) return Refuse(ERROR_INVALID_PARAMETER);
-    if (disposition == TRUNCATE_EXISTING && !(access & GENERIC_WRITE)) return Refuse(ERROR_INVALID_PARAMETER);
+    if (disposition < CREATE_ALWAYS || disposition > OPEN_ALWAYS) return Refuse(ERROR_INVALID_PARAMETER);
     if (path.empty()) return Refuse(ERROR_PATH_NOT_FOUND);
 
     Opened opened = OpenByDisposition(path, OpenFlags(access), disposition);
-    if (opened.error == EEXIST) return Refuse(ERROR_FILE_EXISTS);
     if (opened.error != 0) return Refuse(PathError(opened.error, path));
     const int descriptor = opened.descriptor.Get();
     struct stat status;

@@ -65,17 +65,11 @@ using wnplatform::Guarded;
 
 DWORD GetFullPathNameA(LPCSTR path, DWORD size, LPSTR full, LPSTR* filePart) {
     return Guarded(DWORD{0}, [&]() -> DWORD {
-        if (!path || !*path) {
-            SetLastError(ERROR_INVALID_NAME);
+        if (!path || !*path || filePart) {
+            SetLastError(filePart ? ERROR_INVALID_PARAMETER : ERROR_INVALID_NAME);
             return 0;
         }
-        const std::string text = wnplatform::FullPath(path);
-        const DWORD length = wnplatform::Answer(text, full, size);
-        if (filePart && length == text.size()) {
-            const std::size_t start = text.find_last_of("/\\") + 1;
-            *filePart = start < text.size() ? full + start : nullptr;
-        }
-        return length;
+        return wnplatform::Answer(wnplatform::FullPath(path), full, size);
     });
 }
 

@@ -16,6 +16,7 @@
 #include "platform/files/FileObject.h"
 #include "platform/files/IniText.h"
 #include "platform/files/Paths.h"
+#include "platform/files/Reading.h"
 #include "platform/files/Writing.h"
 #include "platform/text/Texts.h"
 #include "wnplatform/inspect.h"
@@ -41,16 +42,8 @@ std::optional<std::string> ReadText(const std::string& path) {
         errno = S_ISREG(status.st_mode) ? EFBIG : EACCES;
         return std::nullopt;
     }
-    std::string text(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t length = 0;
-    while (length < text.size()) {
-        const ssize_t got = read(file.Get(), text.data() + length, text.size() - length);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return std::nullopt;
-        if (got == 0) break;
-        length += static_cast<std::size_t>(got);
-    }
-    text.resize(length);
+    std::string text;
+    if (!ReadToEnd(file.Get(), text)) return std::nullopt;
     return text;
 }
 
@@ -116,9 +109,14 @@ UINT NumberOf(std::string_view text) noexcept {
     return negative ? 0U - number : number;
 }
 
-// A name or value that would read as something else once it is in the file.
-bool Fits(const char* text, std::string_view refused) noexcept {
+bool IsFreeOf(std::string_view refused, const char* text) noexcept {
     return !text || std::string_view(text).find_first_of(refused) == std::string_view::npos;
+}
+
+// A key that would read as one once it is in the file, where the blanks before it do not count.
+bool IsKey(std::string_view key) noexcept {
+    const std::size_t first = key.find_first_not_of(" \t\v\f");
+    return first != std::string_view::npos && key[first] != ';' && key[first] != '[';
 }
 
 }  // namespace
@@ -136,11 +134,11 @@ UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue, LPCSTR 
 }
 
 BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR file) {
-    using wnplatform::Fits;
+    using wnplatform::IsFreeOf;
     return wnplatform::Guarded(FALSE, [&] {
-        const bool fits = section && *section && (!key || *key) && file && *file && Fits(section, "\r\n]") &&
-                          Fits(key, "\r\n=") && Fits(value, "\r\n");
-        if (!fits || (key && (*key == ';' || *key == '['))) return wnplatform::Fail(ERROR_INVALID_PARAMETER);
+        const bool fits = section && *section && file && *file && (!key || wnplatform::IsKey(key)) &&
+                          IsFreeOf("\r\n]", section) && IsFreeOf("\r\n=", key) && IsFreeOf("\r\n", value);
+        if (!fits) return wnplatform::Fail(ERROR_INVALID_PARAMETER);
         std::optional<std::string_view> newKey;
         if (key) newKey = key;
         std::optional<std::string_view> newValue;

@@ -57,33 +57,62 @@ std::string TurnToHost(std::string_view path) {
     return path.starts_with('\\') ? InDrive('c', turned) : turned;
 }
 
-// The name in a folder that is the wanted one but for case: of several the first in byte order, so that the choice
-// does not depend on the folder's own order. Empty when there is none.
-std::string FindName(const std::string& folder, std::string_view wanted) {
+// The names in a folder that are the wanted one but for case, in byte order, so that the choice does not depend on
+// the folder's own order.
+std::vector<std::string> OtherNames(const std::string& folder, std::string_view wanted) {
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(folder.empty() ? "." : folder.c_str()), closedir);
-    std::string found;
-    if (!directory) return found;
+    std::vector<std::string> names;
+    if (!directory) return names;
     while (const dirent* entry = readdir(directory.get())) {
         const std::string_view name = entry->d_name;
-        if (CompareNames(name, wanted) == 0 && (found.empty() || name < found)) found = name;
+        if (name != wanted && CompareNames(name, wanted) == 0) names.emplace_back(name);
     }
-    return found;
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
-// Only components from the first absent one on are searched for in their folders.
-std::string MatchComponents(const std::string& path) {
-    std::string matched = path.starts_with('/') ? "/" : "";
-    bool searching = true;
-    for (const std::string_view component : Components(path)) {
-        std::string next = matched;
-        next += component;
-        if (searching && !Exists(next)) {
-            const std::string name = FindName(matched, component);
-            searching = !name.empty();
-            if (searching) next = matched + name;
-        }
-        matched = std::move(next) + '/';
+// Looks for a path whose exact name is absent. A folder of the exact name may be a dead end where one that differs in
+// case is not, so each level tries all that match, the exact one first.
+class PathSearch {
+public:
+    explicit PathSearch(std::string_view path) {
+        // The home is where it is: its own name needs no search.
+        const std::string home = Home() + "/";
+        m_deepest = path.starts_with(home) ? home : path.starts_with('/') ? "/" : "";
+        m_components = Components(path.substr(m_deepest.size()));
     }
+
+    // What is not there keeps its spelling, below the deepest folder that was found.
+    std::string Run() {
+        Descend(m_deepest, 0);
+        for (; m_level < m_components.size(); ++m_level) m_deepest.append(m_components[m_level]).append("/");
+        return m_deepest;
+    }
+
+private:
+    // Whether all the components from a level on lead somewhere below a folder.
+    bool Descend(const std::string& folder, std::size_t level) {
+        // With something to come, only a folder leads anywhere.
+        if (level > m_level && (level == m_components.size() || Exists(folder))) {
+            m_level = level;
+            m_deepest = folder;
+        }
+        if (level == m_components.size()) return true;
+        const std::string_view wanted = m_components[level];
+        const std::string exact = folder + std::string(wanted);
+        if (Exists(exact) && Descend(exact + "/", level + 1)) return true;
+        const std::vector<std::string> others = OtherNames(folder, wanted);
+        return std::any_of(others.begin(), others.end(),
+                           [&](const std::string& name) { return Descend(folder + name + "/", level + 1); });
+    }
+
+    std::vector<std::string_view> m_components;
+    std::size_t m_level = 0;
+    std::string m_deepest;
+};
+
+std::string MatchComponents(const std::string& path) {
+    std::string matched = PathSearch(path).Run();
     if (!path.ends_with('/')) matched.pop_back();
     return matched;
 }

@@ -3,7 +3,8 @@
 // A path is taken as Windows would take it, with these readings on a host without drives: it may use either
 // separator; "C:\x" and a path that begins with a single backslash lead into the drive folder of the home; a path
 // that begins with "/" is the host's own absolute path; any other is relative to the current directory. Where the
-// exact name is absent, each component falls back to a match without regard to case. No other drive exists.
+// exact name is absent, each component falls back to a match without regard to case, whichever leads farthest. No
+// other drive exists.
 //
 // Failures set the calling thread's last error to Windows' code. Handles may be used from any thread.
 #pragma once
@@ -69,17 +70,13 @@ BOOL SetSecurityDescriptorDacl(PSECURITY_DESCRIPTOR descriptor, BOOL present, PA
 #define FILE_SHARE_READ 0x00000001
 #define FILE_SHARE_WRITE 0x00000002
 #define FILE_SHARE_DELETE 0x00000004
-#define CREATE_NEW 1
 #define CREATE_ALWAYS 2
 #define OPEN_EXISTING 3
 #define OPEN_ALWAYS 4
-#define TRUNCATE_EXISTING 5
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 #define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFU
 #define FILE_BEGIN 0
-#define FILE_CURRENT 1
-#define FILE_END 2
 #define INVALID_SET_FILE_POINTER 0xFFFFFFFFU
 #define INVALID_FILE_SIZE 0xFFFFFFFFU
 #define STD_OUTPUT_HANDLE (static_cast<DWORD>(-11))
@@ -115,6 +112,7 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD bytesRead, OVERLAPPED* at);
 // An OVERLAPPED whose two offsets are 0xFFFFFFFF appends to the file's end in one step, wherever the end is then.
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD bytesWritten, OVERLAPPED* at);
+// From FILE_BEGIN and with a null high part only (ERROR_INVALID_PARAMETER).
 DWORD SetFilePointer(HANDLE file, LONG distance, LPLONG distanceHigh, DWORD method);
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
 BOOL SetEndOfFile(HANDLE file);
@@ -125,16 +123,14 @@ BOOL SetEndOfFile(HANDLE file);
 BOOL LockFile(HANDLE file, DWORD offset, DWORD offsetHigh, DWORD bytes, DWORD bytesHigh);
 BOOL UnlockFile(HANDLE file, DWORD offset, DWORD offsetHigh, DWORD bytes, DWORD bytesHigh);
 DWORD GetFileAttributesA(LPCSTR path);
-BOOL CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES security);
 BOOL DeleteFileA(LPCSTR path);
-// Flags other than MOVEFILE_REPLACE_EXISTING give ERROR_INVALID_PARAMETER.
+// With MOVEFILE_REPLACE_EXISTING only (ERROR_INVALID_PARAMETER).
 BOOL MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags);
-// The last component may hold * and ?; names match without regard to case and come in the order of names.
-HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* found);
-BOOL FindNextFileA(HANDLE search, WIN32_FIND_DATAA* found);
+// Describes one file; there are no wildcards and no further files.
+HANDLE FindFirstFileA(LPCSTR path, WIN32_FIND_DATAA* found);
 BOOL FindClose(HANDLE search);
 // Both return the length, or when the buffer is too small the size in bytes that is needed. A full path has a drive
-// and backslashes when the path given leads into a drive, else it is one of the host.
+// and backslashes when the path given leads into a drive, else it is one of the host; the file part must be null.
 DWORD GetFullPathNameA(LPCSTR path, DWORD size, LPSTR full, LPSTR* filePart);
 UINT GetWindowsDirectoryA(LPSTR path, UINT size);
 // Standard output only; null when the process has none. Each call gives the same handle, and closing it leaves the

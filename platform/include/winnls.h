@@ -34,19 +34,14 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR source, int sourceUn
 
 struct SYSTEMTIME;
 
-// Format a local date or time by a picture (d dd M MM yy yyyy, H HH h hh m mm s ss tt, 'quoted text'); a null time
-// means now. The result is the number of bytes written with the terminator, or needed when size is 0, else 0.
+// Format a date or time by a picture of d dd M MM y yy, H HH m mm s ss, 'quoted text' and signs; other letters and
+// names are not offered, and neither are the current time for null nor a picture of the locale's. The result is the
+// number of bytes written with the terminator, or needed when size is 0, else 0.
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR text, int size);
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR text, int size);
 
-// The C runtime in the C locale: bytes and characters below 256 map one to one, others are refused with
-// static_cast<size_t>(-1). A size query (null destination) of wcstombs does not look at the characters.
-std::size_t mbstowcs(WCHAR* destination, const char* source, std::size_t units);
-std::size_t wcstombs(char* destination, const WCHAR* source, std::size_t bytes);
-
+// The C runtime in the C locale.
 std::size_t wcslen(const WCHAR* text);
-WCHAR* wcschr(const WCHAR* text, WCHAR wanted);
-int wcscmp(const WCHAR* a, const WCHAR* b);
 WCHAR* _wcsdup(const WCHAR* text);  // malloc'ed copy, null for null or when memory runs out
 int _wcsnicmp(const WCHAR* a, const WCHAR* b, std::size_t count);
 int _wcsicmp(const WCHAR* a, const WCHAR* b);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/core/Errors.h"
+#include "platform/files/Reading.h"
 #include "platform/files/Writing.h"
 
 namespace wnplatform {
@@ -16,19 +17,6 @@ LSTATUS StatusFromErrno() noexcept { return static_cast<LSTATUS>(ErrorFromErrno(
 
 bool IsSameTime(const timespec& a, const timespec& b) noexcept {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-bool ReadAll(int file, std::string& text) {
-    char buffer[16384];
-    for (;;) {
-        const ssize_t count = pread(file, buffer, sizeof buffer, static_cast<off_t>(text.size()));
-        if (count == 0) return true;
-        if (count > 0) {
-            text.append(buffer, static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
 }
 
 // Where a change begins that is not finished: at the text's one zero, with a key's line behind it.
@@ -77,7 +65,7 @@ LSTATUS RegistryFile::Read() {
     if (!m_file) return errno == ENOENT ? ERROR_SUCCESS : StatusFromErrno();
     // The state is taken first: whoever writes to the file while it is being read makes it a newer one.
     struct stat file;
-    if (fstat(m_file.Get(), &file) != 0 || !ReadAll(m_file.Get(), m_text)) return StatusFromErrno();
+    if (fstat(m_file.Get(), &file) != 0 || !ReadToEnd(m_file.Get(), m_text)) return StatusFromErrno();
     const std::size_t end = FindUnfinished(m_text);
     m_unfinished = end != m_text.size();
     m_text.resize(end);

@@ -27,8 +27,6 @@ int CompareNoCase(const Unit* a, const Unit* b, std::size_t count) {
 }
 
 constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
-constexpr std::size_t kRefused = static_cast<std::size_t>(-1);
-
 template <class Unit>
 Unit* Duplicate(const Unit* text, std::size_t length) {
     const std::size_t bytes = (length + 1) * sizeof(Unit);
@@ -38,36 +36,6 @@ Unit* Duplicate(const Unit* text, std::size_t length) {
 }
 
 }  // namespace
-
-std::size_t mbstowcs(WCHAR* destination, const char* source, std::size_t units) {
-    if (!source) {
-        errno = EINVAL;
-        return kRefused;
-    }
-    if (!destination) return std::strlen(source);
-    for (std::size_t i = 0; i < units; ++i) {
-        destination[i] = static_cast<unsigned char>(source[i]);
-        if (source[i] == '\0') return i;
-    }
-    return units;
-}
-
-std::size_t wcstombs(char* destination, const WCHAR* source, std::size_t bytes) {
-    if (!source) {
-        errno = EINVAL;
-        return kRefused;
-    }
-    if (!destination) return wcslen(source);
-    for (std::size_t i = 0; i < bytes; ++i) {
-        if (source[i] > 0xFF) {
-            errno = EILSEQ;
-            return kRefused;
-        }
-        destination[i] = static_cast<char>(source[i]);
-        if (source[i] == u'\0') return i;
-    }
-    return bytes;
-}
 
 // Looks at aligned blocks as a whole, beyond the text's end too: what lies there is on the same page of memory.
 __attribute__((no_sanitize("address", "thread"))) std::size_t wcslen(const WCHAR* text) {
@@ -84,20 +52,6 @@ __attribute__((no_sanitize("address", "thread"))) std::size_t wcslen(const WCHAR
     }
     while (*at != u'\0') ++at;
     return static_cast<std::size_t>(at - text);
-}
-
-WCHAR* wcschr(const WCHAR* text, WCHAR wanted) {
-    for (;; ++text) {
-        if (*text == wanted) return const_cast<WCHAR*>(text);
-        if (*text == u'\0') return nullptr;
-    }
-}
-
-int wcscmp(const WCHAR* a, const WCHAR* b) {
-    for (; *a == *b; ++a, ++b) {
-        if (*a == u'\0') return 0;
-    }
-    return *a < *b ? -1 : 1;
 }
 
 WCHAR* _wcsdup(const WCHAR* text) { return text ? Duplicate(text, wcslen(text)) : nullptr; }

@@ -13,7 +13,6 @@ wncom_add_test(
             core/time_test.cpp
             files/file_locks_test.cpp
             files/files_test.cpp
-            files/find_files_test.cpp
             files/ini_files_test.cpp
             processes/Peer.cpp
             processes/debug_output_test.cpp
@@ -21,6 +20,7 @@ wncom_add_test(
             sync/mutexes_test.cpp
             sync/security_test.cpp
             sync/threads_test.cpp
+            text/date_pictures_test.cpp
 )
 if(NOT WIN32)
     target_sources(

@@ -180,7 +180,7 @@ TEST_F(Com, KnowsNoClassUnderATextThatNamesNone) {
 TEST(Guids, GoThroughTheirText) {
     OLECHAR text[39];
     ASSERT_EQ(StringFromGUID2(kClass, text, 39), 39);
-    EXPECT_EQ(wcscmp(text, OLESTR("{1B1F5C1E-0C57-4B0E-9A5B-2A63117E4001}")), 0);
+    EXPECT_EQ(std::basic_string<WCHAR>(text), OLESTR("{1B1F5C1E-0C57-4B0E-9A5B-2A63117E4001}"));
     EXPECT_EQ(StringFromGUID2(kClass, text, 38), 0);
     CLSID back;
     ASSERT_EQ(CLSIDFromString(OLESTR("{1b1f5c1e-0c57-4b0e-9a5b-2a63117e4001}"), &back), S_OK);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <ostream>
 #include <string>
 
 #include "tests/platform/OnWine.h"
@@ -20,9 +19,10 @@ HANDLE Open(const std::string& path, DWORD disposition, DWORD access = GENERIC_R
 // An open file with some text, closed at the end.
 class OpenFile {
 public:
-    explicit OpenFile(const std::string& name, const std::string& text = "") : path(InHome(name)) {
+    explicit OpenFile(const std::string& text, DWORD access = GENERIC_READ | GENERIC_WRITE)
+        : path(InHome("file.txt")) {
         WriteWholeFile(path, text);
-        handle = Open(path, OPEN_EXISTING);
+        handle = Open(path, OPEN_EXISTING, access);
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -37,94 +37,91 @@ bool Write(HANDLE file, const std::string& text, OVERLAPPED* at = nullptr) {
     return WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, at) && written == text.size();
 }
 
-struct Disposition {
-    const char* name;
-    DWORD value;
-    bool opensAbsent;
-    DWORD errorAbsent;
-    bool opensPresent;
-    DWORD errorPresent;
-    const char* textPresent;
-};
+TEST(Files, TellWhatTheyFoundAndKeepOrCutIt) {
+    const struct {
+        DWORD disposition;
+        bool opensAbsent;
+        DWORD errorAbsent, errorPresent;
+        const char* textPresent;
+    } cases[] = {
+        {CREATE_ALWAYS, true, NO_ERROR, ERROR_ALREADY_EXISTS, ""},
+        {OPEN_EXISTING, false, ERROR_FILE_NOT_FOUND, NO_ERROR, "text"},
+        {OPEN_ALWAYS, true, NO_ERROR, ERROR_ALREADY_EXISTS, "text"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.disposition);
+        const HANDLE absent = Open(InHome("absent.txt"), each.disposition);
+        EXPECT_EQ(GetLastError(), each.errorAbsent);
+        EXPECT_EQ(absent != INVALID_HANDLE_VALUE, each.opensAbsent);
+        if (each.opensAbsent) EXPECT_TRUE(CloseHandle(absent));
+        DeleteFileA(InHome("absent.txt").c_str());
 
-void PrintTo(const Disposition& disposition, std::ostream* output) { *output << disposition.name; }
-
-class FileDisposition : public testing::TestWithParam<Disposition> {};
-
-TEST_P(FileDisposition, TellsWhatItFoundAndKeepsOrCutsIt) {
-    const Disposition& expected = GetParam();
-    const HANDLE absent = Open(InHome("absent.txt"), expected.value);
-    EXPECT_EQ(GetLastError(), expected.errorAbsent);
-    EXPECT_EQ(absent != INVALID_HANDLE_VALUE, expected.opensAbsent);
-    if (absent != INVALID_HANDLE_VALUE) CloseHandle(absent);
-
-    WriteWholeFile(InHome("present.txt"), "text");
-    const HANDLE present = Open(InHome("present.txt"), expected.value);
-    EXPECT_EQ(GetLastError(), expected.errorPresent);
-    EXPECT_EQ(present != INVALID_HANDLE_VALUE, expected.opensPresent);
-    if (present != INVALID_HANDLE_VALUE) CloseHandle(present);
-    EXPECT_EQ(ReadWholeFile(InHome("present.txt")), expected.textPresent);
+        WriteWholeFile(InHome("present.txt"), "text");
+        const HANDLE present = Open(InHome("present.txt"), each.disposition);
+        EXPECT_EQ(GetLastError(), each.errorPresent);
+        EXPECT_TRUE(CloseHandle(present));
+        EXPECT_EQ(ReadWholeFile(InHome("present.txt")), each.textPresent);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Files, FileDisposition,
-    testing::Values(Disposition{"CreateNew", CREATE_NEW, true, NO_ERROR, false, ERROR_FILE_EXISTS, "text"},
-                    Disposition{"CreateAlways", CREATE_ALWAYS, true, NO_ERROR, true, ERROR_ALREADY_EXISTS, ""},
-                    Disposition{"OpenExisting", OPEN_EXISTING, false, ERROR_FILE_NOT_FOUND, true, NO_ERROR, "text"},
-                    Disposition{"OpenAlways", OPEN_ALWAYS, true, NO_ERROR, true, ERROR_ALREADY_EXISTS, "text"},
-                    Disposition{"TruncateExisting", TRUNCATE_EXISTING, false, ERROR_FILE_NOT_FOUND, true, NO_ERROR,
-                                ""}),
-    [](const auto& instance) { return instance.param.name; });
-
-TEST(Files, RefusesToOpenFoldersMissingFoldersAndNonsense) {
-    EXPECT_EQ(Open(HomePath(), OPEN_EXISTING), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(Open(HomePath(), OPEN_EXISTING, GENERIC_READ), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(Open(InHome("no/such.txt"), OPEN_ALWAYS), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_EQ(Open("", OPEN_ALWAYS), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_EQ(Open(InHome("a.txt"), 9), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+TEST(Files, AreNotOpenedByFoldersMissingFoldersAndNonsense) {
+    const struct {
+        std::string path;
+        DWORD disposition, access, error;
+    } cases[] = {
+        {HomePath(), OPEN_EXISTING, GENERIC_READ | GENERIC_WRITE, ERROR_ACCESS_DENIED},
+        {HomePath(), OPEN_EXISTING, GENERIC_READ, ERROR_ACCESS_DENIED},
+        {InHome("no/such.txt"), OPEN_ALWAYS, GENERIC_READ, ERROR_PATH_NOT_FOUND},
+        {"", OPEN_ALWAYS, GENERIC_READ, ERROR_PATH_NOT_FOUND},
+        {InHome("a.txt"), 0, GENERIC_READ, ERROR_INVALID_PARAMETER},
+        {InHome("a.txt"), 9, GENERIC_READ, ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(Open(each.path, each.disposition, each.access), INVALID_HANDLE_VALUE) << each.path;
+        EXPECT_EQ(GetLastError(), each.error) << each.path;
+    }
 }
 
-TEST(Files, OpensByAWidePath) {
-    const OpenFile file("wide.txt", "x");
-    std::basic_string<WCHAR> path(file.path.begin(), file.path.end());
+TEST(Files, AreOpenedByAWidePath) {
+    const OpenFile file("x");
+    const std::basic_string<WCHAR> path(file.path.begin(), file.path.end());
     const HANDLE wide = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
     EXPECT_NE(wide, INVALID_HANDLE_VALUE);
     EXPECT_TRUE(CloseHandle(wide));
 }
 
-TEST(Files, ReadsWhatIsThereAndThenNothing) {
-    const OpenFile file("read.txt", "12345");
+TEST(Files, AreReadToTheirEndAndThenNothing) {
+    const OpenFile file("12345");
     char buffer[16];
-    DWORD read = 99;
-    EXPECT_TRUE(ReadFile(file.handle, buffer, sizeof(buffer), &read, nullptr));
-    EXPECT_EQ(std::string(buffer, read), "12345");
-    EXPECT_TRUE(ReadFile(file.handle, buffer, sizeof(buffer), &read, nullptr));
-    EXPECT_EQ(read, 0U);
+    for (const char* expected : {"12345", ""}) {
+        DWORD read = 99;
+        EXPECT_TRUE(ReadFile(file.handle, buffer, sizeof(buffer), &read, nullptr));
+        EXPECT_EQ(std::string(buffer, read), expected);
+    }
 }
 
-TEST(Files, ReadsAtAnOffsetAndTellsTheEndAsAnError) {
-    const OpenFile file("offset.txt", "12345");
+TEST(Files, AreReadAtAnOffsetAndTellTheEndAsAnError) {
+    const OpenFile file("12345");
     char buffer[16];
     DWORD read = 99;
     OVERLAPPED at{};
     at.Offset = 3;
-    EXPECT_TRUE(ReadFile(file.handle, buffer, sizeof(buffer), &read, &at));
-    EXPECT_EQ(std::string(buffer, read), "45");
-    EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, FILE_CURRENT), 5U);
-    at.Offset = 5;
-    EXPECT_FALSE(ReadFile(file.handle, buffer, sizeof(buffer), &read, &at));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_HANDLE_EOF});
-    EXPECT_EQ(read, 0U);
+    EXPECT_TRUE(ReadFile(file.handle, buffer, 1, &read, &at));
+    EXPECT_EQ(std::string(buffer, read), "4");
+    EXPECT_TRUE(ReadFile(file.handle, buffer, sizeof(buffer), &read, nullptr));
+    EXPECT_EQ(std::string(buffer, read), "5") << "the position follows";
+    for (const DWORD high : {0U, 1U}) {
+        at.Offset = 5;
+        at.OffsetHigh = high;
+        EXPECT_FALSE(ReadFile(file.handle, buffer, sizeof(buffer), &read, &at));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_HANDLE_EOF});
+        EXPECT_EQ(read, 0U);
+    }
 }
 
-TEST(Files, WritesAtThePositionAtAnOffsetAndAtTheEnd) {
-    const OpenFile file("write.txt", "..........");
+TEST(Files, AreWrittenAtThePositionAtAnOffsetAndAtTheEnd) {
+    const OpenFile file("..........");
     OVERLAPPED at{};
     at.Offset = 4;
     OVERLAPPED end{};
@@ -137,63 +134,37 @@ TEST(Files, WritesAtThePositionAtAnOffsetAndAtTheEnd) {
     EXPECT_EQ(ReadWholeFile(file.path), "ab..cde...fg");
 }
 
-TEST(Files, RefusesWhatTheHandleWasNotOpenedFor) {
-    const OpenFile file("access.txt", "text");
-    const HANDLE reader = Open(file.path, OPEN_EXISTING, GENERIC_READ);
-    const HANDLE writer = Open(file.path, OPEN_EXISTING, GENERIC_WRITE);
+TEST(Files, RefuseWhatTheirHandleWasNotOpenedFor) {
+    const OpenFile reader("text", GENERIC_READ), writer("text", GENERIC_WRITE);
     char byte = 0;
     DWORD count = 99;
-    EXPECT_FALSE(WriteFile(reader, &byte, 1, &count, nullptr));
+    EXPECT_FALSE(WriteFile(reader.handle, &byte, 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_EQ(count, 0U);
-    EXPECT_FALSE(SetEndOfFile(reader));
+    EXPECT_FALSE(SetEndOfFile(reader.handle));
     EXPECT_EQ(GetLastError(), OnWine() ? DWORD{ERROR_INVALID_PARAMETER} : DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_FALSE(ReadFile(writer, &byte, 1, &count, nullptr));
+    EXPECT_FALSE(ReadFile(writer.handle, &byte, 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    CloseHandle(reader);
-    CloseHandle(writer);
 }
 
-TEST(Files, MovesThePositionFromThreeOriginsButNotBeforeTheStart) {
-    const OpenFile file("seek.txt", "0123456789");
-    EXPECT_EQ(SetFilePointer(file.handle, 4, nullptr, FILE_BEGIN), 4U);
-    EXPECT_EQ(SetFilePointer(file.handle, -1, nullptr, FILE_CURRENT), 3U);
-    EXPECT_EQ(SetFilePointer(file.handle, 2, nullptr, FILE_END), 12U);
-    EXPECT_EQ(SetFilePointer(file.handle, -13, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
+TEST(Files, AreCutAndGrowAtThePosition) {
+    const OpenFile file("0123456789");
+    for (const std::string& expected : {std::string("012"), std::string("012\0\0", 5)}) {
+        EXPECT_EQ(SetFilePointer(file.handle, static_cast<LONG>(expected.size()), nullptr, FILE_BEGIN),
+                  expected.size());
+        EXPECT_TRUE(SetEndOfFile(file.handle));
+        EXPECT_EQ(ReadWholeFile(file.path), expected);
+        DWORD high = 99;
+        EXPECT_EQ(GetFileSize(file.handle, &high), expected.size());
+        EXPECT_EQ(high, 0U);
+    }
+    EXPECT_EQ(SetFilePointer(file.handle, -1, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NEGATIVE_SEEK});
-    EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, FILE_CURRENT), 12U);
     EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, 3), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
 }
 
-TEST(Files, HoldsPositionsOf64Bits) {
-    const OpenFile file("large.txt");
-    LONG high = 1;
-    SetLastError(4711);
-    EXPECT_EQ(SetFilePointer(file.handle, -1, &high, FILE_BEGIN), 0xFFFFFFFFU);
-    EXPECT_EQ(GetLastError(), DWORD{NO_ERROR});
-    EXPECT_EQ(high, 1);
-    // The position would not fit into the result alone.
-    EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
-    // Wine answers its low half instead, here the same number.
-    EXPECT_EQ(GetLastError(), OnWine() ? DWORD{NO_ERROR} : DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_EQ(SetFilePointer(file.handle, 1, nullptr, FILE_BEGIN), 1U);
-}
-
-TEST(Files, CutsAndGrowsAtThePosition) {
-    const OpenFile file("end.txt", "0123456789");
-    DWORD high = 99;
-    EXPECT_EQ(GetFileSize(file.handle, &high), 10U);
-    EXPECT_EQ(high, 0U);
-    SetFilePointer(file.handle, 3, nullptr, FILE_BEGIN);
-    EXPECT_TRUE(SetEndOfFile(file.handle));
-    EXPECT_EQ(ReadWholeFile(file.path), "012");
-    SetFilePointer(file.handle, 5, nullptr, FILE_BEGIN);
-    EXPECT_TRUE(SetEndOfFile(file.handle));
-    EXPECT_EQ(ReadWholeFile(file.path), std::string("012\0\0", 5));
-}
-
-TEST(Files, AppendingProcessesKeepEachOthersLinesWhole) {
+TEST(Files, KeepTheLinesOfAppendingProcessesWhole) {
     if (OnWine())
         GTEST_SKIP() << "Wine looks for the end and writes in two steps, and another process may come between.";
     const std::string path = InHome("shared.log");
@@ -210,26 +181,41 @@ TEST(Files, AppendingProcessesKeepEachOthersLinesWhole) {
     }
 }
 
-TEST(Files, MakesFoldersOnceAndOnlyInFolders) {
-    EXPECT_TRUE(CreateDirectoryA(InHome("folder").c_str(), nullptr));
-    EXPECT_EQ(GetFileAttributesA(InHome("folder").c_str()) & FILE_ATTRIBUTE_DIRECTORY,
-              DWORD{FILE_ATTRIBUTE_DIRECTORY});
-    EXPECT_FALSE(CreateDirectoryA(InHome("folder").c_str(), nullptr));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ALREADY_EXISTS});
-    EXPECT_FALSE(CreateDirectoryA(InHome("no/folder").c_str(), nullptr));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-}
-
-TEST(Files, TellsWhyAFileHasNoAttributes) {
-    WriteWholeFile(InHome("file.txt"), "");
+TEST(Files, TellWhyTheyAreNotThere) {
+    WriteWholeFile(InHome("file.txt"), "12345");
+    WIN32_FIND_DATAA found;
+    const struct {
+        std::string path;
+        DWORD error;
+    } cases[] = {{InHome("absent"), ERROR_FILE_NOT_FOUND}, {InHome("no/absent"), ERROR_PATH_NOT_FOUND}};
+    for (const auto& each : cases) {
+        EXPECT_EQ(GetFileAttributesA(each.path.c_str()), INVALID_FILE_ATTRIBUTES);
+        EXPECT_EQ(GetLastError(), each.error);
+        EXPECT_EQ(FindFirstFileA(each.path.c_str(), &found), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), each.error);
+    }
     EXPECT_EQ(GetFileAttributesA(InHome("file.txt").c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0U);
-    EXPECT_EQ(GetFileAttributesA(InHome("absent").c_str()), INVALID_FILE_ATTRIBUTES);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(GetFileAttributesA(InHome("no/absent").c_str()), INVALID_FILE_ATTRIBUTES);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_EQ(GetFileAttributesA(HomePath().c_str()) & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
 }
 
-TEST(Files, DeletesFilesOnly) {
+TEST(Files, AreDescribedUnderTheirOwnName) {
+    WriteWholeFile(InHome("Sub/File.txt"), "12345");
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA(InHome("sub\\FILE.TXT").c_str(), &found);
+    ASSERT_NE(search, INVALID_HANDLE_VALUE);
+    EXPECT_STREQ(found.cFileName, "File.txt");
+    EXPECT_EQ(found.nFileSizeLow, 5U);
+    EXPECT_EQ(found.nFileSizeHigh, 0U);
+    EXPECT_EQ(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, 0U);
+    // Later than the year 2000, which began at 125911584000000000.
+    EXPECT_GT(found.ftLastWriteTime.dwHighDateTime, 29315904U);
+    EXPECT_GT(found.ftCreationTime.dwHighDateTime, 29315904U);
+    EXPECT_TRUE(FindClose(search));
+    EXPECT_FALSE(FindClose(INVALID_HANDLE_VALUE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST(Files, AreDeletedButFoldersAreNot) {
     WriteWholeFile(InHome("file.txt"), "");
     EXPECT_TRUE(DeleteFileA(InHome("FILE.TXT").c_str()));
     EXPECT_FALSE(DeleteFileA(InHome("file.txt").c_str()));
@@ -238,28 +224,22 @@ TEST(Files, DeletesFilesOnly) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
 }
 
-TEST(Files, MovesOverAnotherFileOnlyWhenTold) {
+TEST(Files, TakeThePlaceOfOthers) {
     WriteWholeFile(InHome("new.txt"), "new");
     WriteWholeFile(InHome("old.txt"), "old");
-    EXPECT_FALSE(MoveFileExA(InHome("new.txt").c_str(), InHome("old.txt").c_str(), 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ALREADY_EXISTS});
-    EXPECT_EQ(ReadWholeFile(InHome("old.txt")), "old");
     EXPECT_TRUE(MoveFileExA(InHome("new.txt").c_str(), InHome("old.txt").c_str(), MOVEFILE_REPLACE_EXISTING));
     EXPECT_EQ(ReadWholeFile(InHome("old.txt")), "new");
     EXPECT_FALSE(MoveFileExA(InHome("new.txt").c_str(), InHome("old.txt").c_str(), MOVEFILE_REPLACE_EXISTING));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
-TEST(Files, GivesTheFullPathAndItsLastPart) {
+TEST(Files, HaveFullPaths) {
     char full[MAX_PATH];
-    char* part = nullptr;
-    const DWORD length = GetFullPathNameA("C:\\a\\.\\b/../x.txt", sizeof(full), full, &part);
+    EXPECT_EQ(GetFullPathNameA("C:\\a\\.\\b/../x.txt", sizeof(full), full, nullptr), 10U);
     EXPECT_STREQ(full, "C:\\a\\x.txt");
-    EXPECT_EQ(length, 10U);
-    EXPECT_STREQ(part, "x.txt");
-    EXPECT_EQ(GetFullPathNameA("C:\\a\\x.txt", 10, full, &part), 11U);
-    EXPECT_EQ(GetFullPathNameA("C:\\a\\", sizeof(full), full, &part), 5U);
-    EXPECT_EQ(part, nullptr);
+    EXPECT_EQ(GetFullPathNameA("C:\\a\\x.txt", 10, full, nullptr), 11U);
+    EXPECT_EQ(GetFullPathNameA("C:\\..\\a\\", sizeof(full), full, nullptr), 5U);
+    EXPECT_STREQ(full, "C:\\a\\");
     EXPECT_EQ(GetFullPathNameA("", sizeof(full), full, nullptr), 0U);
 }
 
@@ -270,7 +250,7 @@ TEST(Files, StandardOutputIsOneOfThem) {
     EXPECT_TRUE(Write(output, "written to standard output\n"));
 }
 
-TEST(Files, TheWindowsDirectoryIsAFolder) {
+TEST(Files, OfTheWindowsDirectoryLieInAFolder) {
     char path[MAX_PATH];
     const UINT length = GetWindowsDirectoryA(path, sizeof(path));
     EXPECT_EQ(length, std::string(path).size());

@@ -34,25 +34,45 @@ TEST(IniFilesOnLinux, ThatAreNoFilesOrTooLargeGiveTheDefault) {
 
 TEST(IniFilesOnLinux, RefuseWhatWouldReadAsSomethingElse) {
     const std::string path = InHome("kept.ini");
-    WriteWholeFile(path, "[a]\nb=3\n");
-    for (const char* value : {"1\n[x]", "1\r"})
-        EXPECT_FALSE(WritePrivateProfileStringA("a", "b", value, path.c_str()));
-    EXPECT_FALSE(WritePrivateProfileStringA("a", "b=c", "1", path.c_str()));
-    EXPECT_FALSE(WritePrivateProfileStringA("a]", "b", "1", path.c_str()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_EQ(ReadWholeFile(path), "[a]\nb=3\n");
+    const std::string text = "[a]\nb=3\n";
+    WriteWholeFile(path, text);
+    const struct {
+        const char *section, *key, *value;
+    } cases[] = {
+        {"a", "b", "1\n[x]"}, {"a", "b", "1\r"},  {"a", "b=c", "1"},    {"a", ";b", "1"}, {"a", " \t;b", "1"},
+        {"a", "[x]", "1"},    {"a", " [x]", "1"}, {"a", "\v\f[x", "1"}, {"a", "", "1"},   {"a", "  ", "1"},
+        {"a]", "b", "1"},     {"a\n", "b", "1"},  {"", "b", "1"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_FALSE(WritePrivateProfileStringA(each.section, each.key, each.value, path.c_str())) << each.key;
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER}) << each.key;
+    }
+    EXPECT_EQ(ReadWholeFile(path), text);
 }
 
 TEST(IniFilesOnLinux, KeepLayoutAndModeWhenChanged) {
+    const struct {
+        const char *before, *section, *key, *value, *after;
+    } cases[] = {
+        {"; top\n[a]\nb = 1\n\n[c]\nd=2", "a", "new", "5", "; top\n[a]\nb = 1\nnew=5\n\n[c]\nd=2"},
+        {"[c]\nd=2", "e", "f", "6", "[c]\nd=2\n[e]\nf=6\n"},
+        {"[c]\r\nd=2", "c", "f", "6", "[c]\r\nd=2\r\nf=6\r\n"},
+        {"", "c", "f", " \"x\"", "[c]\r\nf= \"x\"\r\n"},
+        {"[c]\nd=2\n\n[e]\nf=6\n", "c", nullptr, nullptr, "[e]\nf=6\n"},
+        {"[c]\nd=2\ne=3\n", "c", "d", nullptr, "[c]\ne=3\n"},
+        {"[c]\nd=2\n", "x", nullptr, nullptr, "[c]\nd=2\n"},
+        {"[c]\nd=2\n", "c", "x", nullptr, "[c]\nd=2\n"},
+    };
     const std::string path = InHome("layout.ini");
-    WriteWholeFile(path, "; top\n[a]\nb = 1\n\n[c]\nd=2");
-    chmod(path.c_str(), 0640);
-    EXPECT_TRUE(WritePrivateProfileStringA("a", "new", "5", path.c_str()));
-    EXPECT_TRUE(WritePrivateProfileStringA("e", "f", "6", path.c_str()));
-    EXPECT_EQ(ReadWholeFile(path), "; top\n[a]\nb = 1\nnew=5\n\n[c]\nd=2\n[e]\nf=6\n");
-    struct stat status {};
-    stat(path.c_str(), &status);
-    EXPECT_EQ(status.st_mode & 0777, 0640U);
+    for (const auto& each : cases) {
+        WriteWholeFile(path, each.before);
+        chmod(path.c_str(), 0640);
+        EXPECT_TRUE(WritePrivateProfileStringA(each.section, each.key, each.value, path.c_str()));
+        EXPECT_EQ(ReadWholeFile(path), each.after);
+        struct stat status {};
+        stat(path.c_str(), &status);
+        EXPECT_EQ(status.st_mode & 0777, 0640U);
+    }
 }
 
 TEST(IniFilesOnLinux, LoseNoChangeOfSeveralWriters) {

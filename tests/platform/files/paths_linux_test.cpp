@@ -58,6 +58,20 @@ TEST(Paths, PreferTheExactName) {
     EXPECT_EQ(HostPath("C:\\Name"), HomePath() + "/drive_c/NAME");
 }
 
+TEST(Paths, FindAWayAroundFoldersThatAreDeadEnds) {
+    const std::string drive = HomePath() + "/drive_c";
+    WriteWholeFile(drive + "/lib/other", "x");
+    WriteWholeFile(drive + "/LIB/Sub/deep.dll", "x");
+    WriteWholeFile(drive + "/Lib/sub/File.dll", "x");
+    WriteWholeFile(drive + "/lib/sub", "a file");
+    EXPECT_EQ(HostPath("C:\\lib\\sub\\file.dll"), drive + "/Lib/sub/File.dll");
+    EXPECT_EQ(HostPath("C:\\lib\\sub\\deep.dll"), drive + "/LIB/Sub/deep.dll");
+    EXPECT_EQ(HostPath("C:\\LIB\\OTHER"), drive + "/lib/other");
+    // Where none leads to the end, the farthest; of several the first that was tried.
+    EXPECT_EQ(HostPath("C:\\lib\\Sub\\New\\x"), drive + "/LIB/Sub/New/x");
+    EXPECT_EQ(HostPath("C:\\lib\\New\\"), drive + "/lib/New/");
+}
+
 TEST(Paths, AreInTheNarrowCodePage) {
     const std::string file = HomePath() +
                              "/drive_c/gr\xC3\xBC\xC3\x9F"

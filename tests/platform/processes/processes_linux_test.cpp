@@ -57,7 +57,7 @@ TEST(ProcessesOnLinux, GetTheEnvironmentGiven) {
 
 TEST(ProcessesOnLinux, InheritNoDescriptorButTheStandardOnes) {
     const int stray = open("/dev/null", O_RDONLY);
-    const HANDLE file = CreateFileA(InHome("held").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    const HANDLE file = CreateFileA(InHome("held").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     EXPECT_EQ(ExitCodeOf(Script("#!/bin/sh\n[ ! -e /proc/$$/fd/" + std::to_string(stray) +
                                 " ] && ! ls -l /proc/$$/fd | grep -q held\n")),
               0U);

@@ -2,54 +2,37 @@
 #include <windows.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <cwchar>
-#include <memory>
+#include <string>
 
 namespace {
 
-struct Freer {
-    void operator()(void* memory) const noexcept { std::free(memory); }
-};
-
-TEST(RuntimeText, NarrowsCharactersBelow256OneToOneAndRefusesOthers) {
-    char narrow[8] = {};
-    EXPECT_EQ(wcstombs(narrow, OLESTR("a\u00E9"), sizeof narrow), 2U);
-    EXPECT_STREQ(narrow, "a\xE9");
-    EXPECT_EQ(wcstombs(narrow, OLESTR("a\u0100"), sizeof narrow), static_cast<std::size_t>(-1));
-    EXPECT_EQ(wcstombs(nullptr, OLESTR("a\u0100"), 0), 2U);
-}
-
-TEST(RuntimeText, WidensBytesOneToOne) {
-    WCHAR wide[8];
-    EXPECT_EQ(mbstowcs(wide, "a\x80\xFF", 8), 3U);
-    EXPECT_EQ(wcscmp(wide, OLESTR("a\u0080\u00FF")), 0);
-    EXPECT_EQ(mbstowcs(static_cast<WCHAR*>(nullptr), "a\x80\xFF", 0), 3U);
-}
-
-TEST(RuntimeText, StopsAtTheEndOfTheRoomWithoutATerminator) {
-    WCHAR wide[3] = {'x', 'x', 'x'};
-    EXPECT_EQ(mbstowcs(wide, "abc", 2), 2U);
-    EXPECT_EQ(wide[2], 'x');
-}
-
 TEST(RuntimeText, ComparesWithoutTheCaseOfAsciiLettersOnly) {
-    EXPECT_EQ(_wcsicmp(OLESTR("ABC"), OLESTR("abc")), 0);
-    EXPECT_NE(_wcsicmp(OLESTR("\u00C9"), OLESTR("\u00E9")), 0);
-    EXPECT_LT(_wcsicmp(OLESTR("ab"), OLESTR("ABC")), 0);
+    const auto sign = [](int result) { return (result > 0) - (result < 0); };
+    const struct {
+        const char *a, *b;
+        int result;
+    } cases[] = {
+        {"ABCZ", "abcz", 0},
+        {"\xC9", "\xE9", -1},
+        {"ab", "ABC", -1},
+        {"ABy", "abx", 1},
+        // An underscore stands between the capitals and the small letters, a bracket and an at sign around the first.
+        {"_", "A", -1},
+        {"[", "{", -1},
+        {"@", "`", -1},
+    };
+    for (const auto& each : cases) {
+        std::basic_string<WCHAR> a, b;
+        for (const char* at = each.a; *at; ++at) a += static_cast<unsigned char>(*at);
+        for (const char* at = each.b; *at; ++at) b += static_cast<unsigned char>(*at);
+        EXPECT_EQ(sign(_wcsicmp(a.c_str(), b.c_str())), each.result) << each.a;
+        EXPECT_EQ(sign(_stricmp(each.a, each.b)), each.result) << each.a;
+    }
     EXPECT_EQ(_wcsnicmp(OLESTR("ABx"), OLESTR("aby"), 2), 0);
-    EXPECT_GT(_wcsnicmp(OLESTR("ABy"), OLESTR("abx"), 3), 0);
-    EXPECT_EQ(_stricmp("ABC", "abc"), 0);
+    EXPECT_LT(_wcsnicmp(OLESTR("ABx"), OLESTR("aby"), 3), 0);
     EXPECT_EQ(_strnicmp("ABx", "aby", 2), 0);
-    // An underscore stands between the capitals and the small letters.
-    EXPECT_LT(_stricmp("_", "A"), 0);
-}
-
-TEST(RuntimeText, FindsCharactersAndTheEnd) {
-    const WCHAR* text = OLESTR("abca");
-    EXPECT_EQ(wcschr(text, 'c'), text + 2);
-    EXPECT_EQ(wcschr(text, '\0'), text + 4);
-    EXPECT_EQ(wcschr(text, 'x'), nullptr);
+    EXPECT_LT(_strnicmp("ABx", "aby", 3), 0);
 }
 
 TEST(RuntimeText, MeasuresTextsOfAnyLengthAtAnyPlace) {
@@ -65,10 +48,12 @@ TEST(RuntimeText, MeasuresTextsOfAnyLengthAtAnyPlace) {
 }
 
 TEST(RuntimeText, DuplicatesTexts) {
-    const std::unique_ptr<WCHAR, Freer> wide(_wcsdup(OLESTR("ab")));
-    EXPECT_EQ(wcscmp(wide.get(), OLESTR("ab")), 0);
-    const std::unique_ptr<char, Freer> narrow(_strdup("ab"));
-    EXPECT_STREQ(narrow.get(), "ab");
+    WCHAR* const wide = _wcsdup(OLESTR("ab"));
+    EXPECT_EQ(std::basic_string<WCHAR>(wide), OLESTR("ab"));
+    std::free(wide);
+    char* const narrow = _strdup("ab");
+    EXPECT_STREQ(narrow, "ab");
+    std::free(narrow);
 }
 
 }  // namespace
