@@ -1,5 +1,6 @@
 # The libraries around the product, from the host's packages.
 find_package(CURL REQUIRED)
+find_package(EXPAT REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(SQLite3 REQUIRED)
 find_package(CLI11 REQUIRED)

@@ -13,6 +13,21 @@ target_include_directories(wncom_sqlite SYSTEM PUBLIC ${WNCOM_WINDOWS_SOURCES}/s
 target_compile_definitions(wncom_sqlite PRIVATE SQLITE_OMIT_LOAD_EXTENSION)
 add_library(SQLite::SQLite3 ALIAS wncom_sqlite)
 
+# Its configuration is written by hand: the one that comes with it asks the host.
+set(expat ${WNCOM_WINDOWS_SOURCES}/expat/expat/lib)
+if(NOT EXISTS ${expat}/xmlparse.c)
+    message(FATAL_ERROR "No sources of expat in ${WNCOM_WINDOWS_SOURCES}: run scripts/test-windows")
+endif()
+file(
+    CONFIGURE
+    OUTPUT ${CMAKE_BINARY_DIR}/windows/expat/expat_config.h
+    CONTENT "#define BYTEORDER 1234\n#define XML_CONTEXT_BYTES 1024\n#define XML_DTD 1\n#define XML_NS 1\n"
+)
+add_library(wncom_expat STATIC ${expat}/xmlparse.c ${expat}/xmlrole.c ${expat}/xmltok.c)
+target_include_directories(wncom_expat SYSTEM PUBLIC ${expat} PRIVATE ${CMAKE_BINARY_DIR}/windows/expat)
+target_compile_definitions(wncom_expat PUBLIC XML_STATIC)
+add_library(EXPAT::EXPAT ALIAS wncom_expat)
+
 # Headers of the host, without the host's other headers.
 foreach(library CLI nlohmann)
     if(NOT EXISTS /usr/include/${library})

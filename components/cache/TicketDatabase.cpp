@@ -15,7 +15,6 @@ using Kind = DatabaseProblem::Kind;
     switch (code & 0xFF) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
-        case SQLITE_PROTOCOL:  // lost the race for a place in the log too often
             throw DatabaseProblem(Kind::Busy, HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION), what);
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
@@ -28,6 +27,11 @@ using Kind = DatabaseProblem::Kind;
         case SQLITE_FULL:
             throw DatabaseProblem(Kind::Other, HRESULT_FROM_WIN32(ERROR_DISK_FULL), what);
         case SQLITE_READONLY:
+            // Removed or replaced since it was opened: the next try opens what is there now.
+            if (code == SQLITE_READONLY_DBMOVED) {
+                throw DatabaseProblem(Kind::Busy, HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION), what);
+            }
+            [[fallthrough]];
         case SQLITE_PERM:
             throw DatabaseProblem(Kind::Other, E_ACCESSDENIED, what);
         default:
@@ -101,6 +105,8 @@ constexpr const char* kSchema =
     "PRAGMA application_id=1465404739;";
 constexpr std::int64_t kApplicationId = 1465404739;  // "WXMC"
 
+constexpr int kCommitPatience = 100;  // in milliseconds
+
 }  // namespace
 
 // One execution of a prepared statement.
@@ -166,9 +172,13 @@ TicketDatabase::TicketDatabase(const std::string& hostPath) {
     RequireOurs();
     // What the columns hold as bytes can then be looked at as text. Counts for a new file only.
     Execute("PRAGMA encoding='UTF-16le'");
-    // With the log beside the file, readers never wait for a writer, and a kill loses at most what was not committed.
-    // A failure of the machine may lose the last commits, which is nothing to a cache.
-    Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;");
+    // The journal is there only while something is written, so whoever removes or replaces the file leaves nothing
+    // behind that would be applied to the next one; a log and its index beside the file would be. What a killed
+    // writer began, the next reader undoes. Nothing is forced to the disk: a failure of the machine may cost the
+    // cache.
+    Execute("PRAGMA journal_mode=DELETE; PRAGMA synchronous=OFF;");
+    // A commit waits for its readers: begun anew each time, it might never find a moment without one.
+    sqlite3_busy_timeout(opened, kCommitPatience);
     if (Number("PRAGMA application_id") == 0) Create();
     Prepare("INSERT OR REPLACE INTO ticket(key, stored, expires, checksum, content) VALUES(?1, ?2, ?3, ?4, ?5)",
             m_put);

@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "common/CodePageText.h"
 #include "components/Problem.h"
-#include "components/Utf8.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::components {
@@ -28,8 +28,8 @@ private:
 };
 
 // A connection for one thread at a time. Any number of connections of any processes may have the file open; what one
-// of them stored, all see. Times are in seconds of the Unix epoch. Everything throws DatabaseProblem, at once also
-// when another connection is writing, and std::bad_alloc.
+// of them stored, all see. The file may be removed or replaced while no connection is writing. Times are in seconds
+// of the Unix epoch. Everything throws DatabaseProblem, and std::bad_alloc.
 class TicketDatabase {
 public:
     // Opens the file, or makes it; a file that is another program's database is left alone. The path is the host's,

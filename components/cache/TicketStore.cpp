@@ -5,7 +5,8 @@
 #include <mutex>
 
 #include "common/Guard.h"
-#include "components/cache/DatabasePath.h"
+#include "common/Owned.h"
+#include "components/cache/DatabaseFile.h"
 #include "components/cache/TicketDatabase.h"
 
 namespace wncom::components {
@@ -35,7 +36,7 @@ void Tell(const std::string& path, const std::string& what) {
 // join the files of two databases.
 class OpeningLock {
 public:
-    explicit OpeningLock(Clock::time_point deadline) : m_mutex(CreateMutexA(nullptr, FALSE, kMutexName)) {
+    explicit OpeningLock(Clock::time_point deadline) : m_mutex(MakeMutex()) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
         const DWORD wait =
             m_mutex ? WaitForSingleObject(m_mutex.get(), left > 0 ? static_cast<DWORD>(left) : 0) : WAIT_FAILED;
@@ -47,15 +48,21 @@ public:
     ~OpeningLock() { ReleaseMutex(m_mutex.get()); }
 
 private:
-    struct CloseMutex {
-        void operator()(HANDLE mutex) const noexcept { CloseHandle(mutex); }
-    };
-    std::unique_ptr<void, CloseMutex> m_mutex;
+    // For every user who shares the cache: by default only its first user could open it.
+    static HANDLE MakeMutex() noexcept {
+        SECURITY_DESCRIPTOR everyone;
+        SECURITY_ATTRIBUTES security = {sizeof(security), &everyone, FALSE};
+        InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
+        return CreateMutexA(&security, FALSE, kMutexName);
+    }
+
+    OwnedHandle m_mutex;
 };
 
-// The log and its index go with the database; without it they would be taken for the next one's.
+// A journal of a killed writer goes with its database: it would be taken for the next one's.
 void MoveAway(const std::string& path, const std::string& aside) {
-    for (const char* part : {"", "-wal", "-shm"}) {
+    for (const char* part : {"", "-journal"}) {
         if (MoveFileExA((path + part).c_str(), (aside + part).c_str(), MOVEFILE_REPLACE_EXISTING)) continue;
         const DWORD error = GetLastError();
         if (*part && error == ERROR_FILE_NOT_FOUND) {
@@ -119,7 +126,7 @@ private:
         if (m_database && path == m_path && !m_database->Moved()) return *m_database;
         m_database.reset();
         const OpeningLock opening(deadline);
-        m_database = std::make_unique<TicketDatabase>(DatabasePath(path));
+        m_database = std::make_unique<TicketDatabase>(DatabaseFile(path));
         m_path = path;
         return *m_database;
     }

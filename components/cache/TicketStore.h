@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "components/Utf8.h"
+#include "common/CodePageText.h"
 #include "wncom/Bstr.h"
 
 namespace wncom::components {

@@ -12,7 +12,8 @@ namespace {
 // An attribute that the file leaves out reads as a text that was never set.
 void Set(TextProperty& property, const WideText& text) {
     if (text.empty()) return;
-    if (FAILED(property.Put(MakeBstr(text).get()))) throw std::bad_alloc();
+    const Bstr copy(text);
+    if (!copy || FAILED(property.Put(copy.get()))) throw std::bad_alloc();
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ private:
             if (child.type() == pugi::node_element) {
                 RequireName(child, name);
                 elements.push_back(child);
-            } else if (std::string_view(child.value()).find_first_not_of(" \t\r\n") != std::string_view::npos) {
+            } else if (std::string_view(child.value()).find_first_not_of(kXmlSpace) != std::string_view::npos) {
                 Refuse(child, "no text may stand here");
             }
         }
@@ -64,13 +64,11 @@ private:
             if (std::find(known.begin(), known.end(), name) == known.end()) {
                 Refuse(node, "the attribute \"" + name + "\" does not belong here");
             }
-            if (node.attribute(name.c_str()) != attribute)
-                Refuse(node, "the attribute \"" + name + "\" stands twice");
         }
     }
 
     static WideText Attribute(pugi::xml_node node, const char* name) {
-        return FromCodePage(CP_UTF8, node.attribute(name).value()).value();
+        return WidenExactly(CP_UTF8, node.attribute(name).value()).value();
     }
 
     [[noreturn]] void Refuse(pugi::xml_node node, const std::string& what) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "components/Utf8.h"
+#include "common/CodePageText.h"
 
 namespace wncom::components {
 
@@ -26,8 +26,8 @@ struct PortMapData {
     std::vector<DeviceData> devices;
 };
 
-// Reads the document, given in UTF-8. Nothing that it does not know is let pass, so that a slip of the pen is found
-// and not read as something left out. Throws Problem with the place.
+// Reads the document, given in UTF-8. What it does not know is an error: a misspelt name must not read as something
+// left out. Throws Problem with the place.
 PortMapData ParsePortMap(std::string_view source);
 
 }  // namespace wncom::components

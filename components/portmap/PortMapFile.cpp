@@ -14,12 +14,6 @@ namespace {
 
 constexpr PathSetting kSetting = {"SOFTWARE\\Quillbeck\\QBNorvel\\PortMap", "portmapfile", "portmap.xml"};
 
-struct CloseSearch {
-    void operator()(HANDLE search) const noexcept {
-        if (search != INVALID_HANDLE_VALUE) FindClose(search);
-    }
-};
-
 // Tells one content of the file from the next without reading it.
 struct Stamp {
     ULONGLONG size = 0;
@@ -32,8 +26,8 @@ ULONGLONG Join(DWORD high, DWORD low) { return static_cast<ULONGLONG>(high) << 3
 
 Stamp StampOf(const std::string& path) {
     WIN32_FIND_DATAA found = {};
-    const std::unique_ptr<void, CloseSearch> search(FindFirstFileA(path.c_str(), &found));
-    if (search.get() == INVALID_HANDLE_VALUE) return {};
+    const OwnedSearch search(FindFirstFileA(path.c_str(), &found));
+    if (!search) return {};
     return {Join(found.nFileSizeHigh, found.nFileSizeLow),
             Join(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime),
             Join(found.ftCreationTime.dwHighDateTime, found.ftCreationTime.dwLowDateTime)};
@@ -52,10 +46,10 @@ bool MayChangeUnseen(const Stamp& stamp) {
 
 PortMapData ReadPortMap(const std::string& path) {
     // An editor may write the file or move another one into its place at any time.
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (file.get() == INVALID_HANDLE_VALUE) {
+    const OwnedHandle file(CreateFileA(path.c_str(), GENERIC_READ,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) {
         const DWORD error = GetLastError();
         if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return {};
     }

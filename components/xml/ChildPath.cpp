@@ -1,7 +1,5 @@
 #include "components/xml/ChildPath.h"
 
-#include <utility>
-
 namespace wncom::components {
 namespace {
 
@@ -78,13 +76,11 @@ std::optional<std::vector<pugi::xml_node>> ChildWalker::Find(pugi::xml_node top,
 }
 
 pugi::xml_node ChildWalker::Child(pugi::xml_node parent, const std::string& name, std::size_t position) {
-    const bool onward = m_last.parent == parent && m_last.name == name && m_last.position <= position;
-    Place place = onward ? m_last : Place{parent, name, 1, parent.child(name.c_str())};
-    while (place.node && place.position < position) {
+    Place& place = m_places[{parent.internal_object(), name}];
+    if (place.position == 0 || place.position > position) place = {1, parent.child(name.c_str())};
+    for (; place.node && place.position < position; ++place.position) {
         place.node = place.node.next_sibling(name.c_str());
-        ++place.position;
     }
-    if (place.node) m_last = place;
     return place.node;
 }
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "common/CodePageText.h"
 #include "components/DualObject.h"
-#include "components/Utf8.h"
 #include "components/xml/ChildPath.h"
 #include "wncom/XMLSimpleAccessor.h"
 
@@ -26,7 +26,7 @@ public:
 
 private:
     HRESULT Load(WideView document);
-    HRESULT Query(const std::string& query, bool firstOnly, BSTR* text);
+    HRESULT Query(const std::string& query, BSTR* text);
 
     std::string m_delimiter = ";";
     pugi::xml_document m_document;

@@ -1,4 +1,4 @@
-// Parsing with nothing let pass: a document that is cut off or malformed is refused with the place of the fault.
+// Strict parsing: a document that is cut off or malformed is refused with the place of the fault.
 #pragma once
 
 #include <pugixml.hpp>
@@ -9,9 +9,10 @@
 
 namespace wncom::components {
 
-// Parses a document in UTF-8 and returns its one top element; the document owns it. Texts are kept exactly, white
-// space between elements included; comments, processing instructions and the document type are dropped, so an entity
-// that a document type declares stays a reference as it is written. Throws Problem, the document then is empty.
+// Parses a document in UTF-8 and returns its top element; the document owns it. It must be well-formed, but may begin
+// with white space, and may declare no entities of its own. Texts are kept exactly, white space between elements
+// included; comments, processing instructions and the document type are dropped. Nothing outside the text is ever
+// read. Throws Problem, the document then is empty.
 pugi::xml_node ParseXml(std::string_view source, pugi::xml_document& document);
 
 // "line 3, column 7" of the byte at an offset; both count from 1, columns in characters.

@@ -10,7 +10,6 @@ enum class Encoding { Utf8, Utf16LittleEndian, Utf16BigEndian, Latin1, Windows12
 
 constexpr UINT kWindows1252 = 1252;
 constexpr OLECHAR kByteOrderMark = 0xFEFF;
-constexpr std::string_view kSpace = " \t\r\n";
 
 // The name in the encoding part of a declaration at the text's start; empty when there is none.
 std::string_view DeclaredEncoding(std::string_view text) {
@@ -75,7 +74,7 @@ WideText WideFromLatin1(std::string_view bytes) {
 }
 
 std::string RequireUtf8(WideView text) {
-    std::optional<std::string> utf8 = ToUtf8(text);
+    std::optional<std::string> utf8 = NarrowExactly(CP_UTF8, text);
     if (!utf8) throw Problem(kBadDocument, "the text holds half of a surrogate pair");
     return *std::move(utf8);
 }
@@ -90,17 +89,17 @@ std::string ErrorText(DWORD code) {
     const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
                                         buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
     const std::string_view text(buffer.data(), length);
-    return std::string(text.substr(0, text.find_last_not_of(kSpace) + 1)) + " (" + std::to_string(code) + ")";
+    return std::string(text.substr(0, text.find_last_not_of(kXmlSpace) + 1)) + " (" + std::to_string(code) + ")";
 }
 
 }  // namespace
 
-std::string ReadFileBytes(const FileHandle& file) {
+std::string ReadFileBytes(const OwnedHandle& file) {
     const auto fail = [](const char* what) {
         const DWORD error = GetLastError();
         throw Problem(HRESULT_FROM_WIN32(error), std::string(what) + ": " + ErrorText(error));
     };
-    if (file.get() == INVALID_HANDLE_VALUE) fail("the file cannot be opened");
+    if (!file) fail("the file cannot be opened");
     // What the file says of its size is a hint only: it may grow under the reader, or not be a plain file at all.
     DWORD sizeHigh = 0;
     const DWORD size = GetFileSize(file.get(), &sizeHigh);
@@ -122,7 +121,6 @@ std::string ReadFileBytes(const FileHandle& file) {
 std::string DecodeXmlFile(std::string_view bytes) {
     switch (FindEncoding(bytes)) {
         case Encoding::Utf8:
-            if (!IsUtf8(bytes)) throw Problem(kBadDocument, "the bytes are not UTF-8");
             return std::string(bytes);
         case Encoding::Utf16LittleEndian:
             return RequireUtf8(WideFromBytes(bytes, true));
@@ -133,7 +131,7 @@ std::string DecodeXmlFile(std::string_view bytes) {
         case Encoding::Windows1252:
             break;
     }
-    const std::optional<WideText> text = FromCodePage(kWindows1252, bytes);
+    const std::optional<WideText> text = WidenExactly(kWindows1252, bytes);
     if (!text) throw Problem(kBadDocument, "the bytes are not windows-1252");
     return RequireUtf8(*text);
 }
@@ -146,7 +144,7 @@ std::string DecodeXmlText(WideView text) {
 
 bool LooksLikeXml(WideView text) noexcept {
     const auto blank = [](OLECHAR c) {
-        return c == kByteOrderMark || (c < 0x80 && kSpace.find(static_cast<char>(c)) != std::string_view::npos);
+        return c == kByteOrderMark || (c < 0x80 && kXmlSpace.find(static_cast<char>(c)) != std::string_view::npos);
     };
     const auto first = std::find_if_not(text.begin(), text.end(), blank);
     return first != text.end() && *first == OLECHAR('<');

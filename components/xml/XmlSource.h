@@ -4,12 +4,12 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
+#include "common/CodePageText.h"
+#include "common/Owned.h"
 #include "components/Problem.h"
-#include "components/Utf8.h"
 
 namespace wncom::components {
 
@@ -19,20 +19,16 @@ inline constexpr std::size_t kXmlLimit = 64 * 1024 * 1024;
 // For everything that is wrong inside a document.
 inline const HRESULT kBadDocument = HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
 
-struct CloseFile {
-    void operator()(HANDLE file) const noexcept {
-        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
-    }
-};
-using FileHandle = std::unique_ptr<void, CloseFile>;
+// What XML counts as white space.
+inline constexpr std::string_view kXmlSpace = " \t\r\n";
 
-// All bytes of an open file. Throws Problem for an invalid handle (with the last error), a failing read and a file
+// All bytes of an open file. Throws Problem without one (with the last error), for a failing read and for a file
 // beyond the limit.
-std::string ReadFileBytes(const FileHandle& file);
+std::string ReadFileBytes(const OwnedHandle& file);
 
 // The text of a file: UTF-8 or UTF-16 by its byte order mark, else by its declaration UTF-8 (also when it declares
-// nothing), US-ASCII, ISO-8859-1 or windows-1252. Throws Problem for any other encoding and for bytes that are
-// none of the encoding's.
+// nothing), US-ASCII, ISO-8859-1 or windows-1252. Throws Problem for any other encoding and for bytes that are not
+// in the encoding, except that of UTF-8 itself: the parser says where it is broken.
 std::string DecodeXmlFile(std::string_view bytes);
 
 // The text of a document that lies in memory; what its declaration says of an encoding no longer counts. Throws

@@ -1,7 +1,5 @@
 #include "tests/components/CacheFixture.h"
 
-#include "tests/support/Host.h"
-
 namespace wncom::test {
 
 Sqlite::Sqlite(const std::string& path) {
@@ -20,11 +18,7 @@ std::string Sqlite::Run(const std::string& sql) {
     return code == SQLITE_OK ? last : sqlite3_errmsg(m_database.get());
 }
 
-CacheFixture::CacheFixture() {
-    CaptureDebugOutput(PathOf("debug.txt"));
-    m_debugStart = ReadWholeFile(PathOf("debug.txt")).size();
-    SetCacheFile(m_path);
-}
+CacheFixture::CacheFixture() { SetCacheFile(m_path); }
 
 void CacheFixture::SetCacheFile(const std::string& path) {
     SetRegistryValue("SOFTWARE\\Quillbeck\\QBNorvel\\XMLCache", "cachefile", path);
@@ -32,7 +26,7 @@ void CacheFixture::SetCacheFile(const std::string& path) {
 
 HRESULT CacheFixture::Put(std::string_view key, std::string_view ticket, LONG seconds) {
     const auto manager = Create<IXMLCacheMgr>(kProgIdXMLCacheMgr);
-    return manager->PutXML(Wide(key).c_str(), Bstr(WideView(Wide(ticket))).get(), seconds, kCacheFlags);
+    return manager->PutXML(Wide(key).c_str(), Text(ticket).get(), seconds, kCacheFlags);
 }
 
 std::string CacheFixture::Fetch(std::string_view key) {
@@ -43,7 +37,5 @@ std::string CacheFixture::Fetch(std::string_view key) {
     EXPECT_EQ(ticket.get(), nullptr) << "no ticket found, but a text";
     return Hex(status);
 }
-
-std::string CacheFixture::DebugOutput() const { return ReadWholeFile(PathOf("debug.txt")).substr(m_debugStart); }
 
 }  // namespace wncom::test

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "tests/components/ComponentsFixture.h"
 #include "wncom/XMLCacheMgr.h"
@@ -39,13 +38,7 @@ protected:
     // The ticket, or the status in hex when there is none.
     static std::string Fetch(std::string_view key);
 
-    // What was written to the debugger output since the test began.
-    std::string DebugOutput() const;
-
     const std::string m_path = PathOf("cache.db");
-
-private:
-    std::size_t m_debugStart;
 };
 
 }  // namespace wncom::test

@@ -1,10 +1,12 @@
 #include "tests/components/ComponentsFixture.h"
-#include "tests/support/Host.h"
 
 #include <array>
 #include <cstdio>
 
+#include "tests/support/Host.h"
+
 namespace wncom::test {
+
 std::string Shown(BSTR text) {
     if (!text) return "null";
     std::string shown;
@@ -18,7 +20,9 @@ std::string Shown(BSTR text) {
 }
 
 ComponentsFixture::ComponentsFixture() : m_module(ProgramFolder() + "/wnComponents.dll") {
+    CaptureDebugOutput(PathOf("debug.txt"));
     EXPECT_EQ(Hex(m_module.Call("DllRegisterServer")), Hex(S_OK));
+    ForgetDebugOutput();
 }
 
 ComponentsFixture::~ComponentsFixture() {
@@ -27,7 +31,7 @@ ComponentsFixture::~ComponentsFixture() {
 
 std::string Ask(const CPComPtr<IXMLSimpleAccessor>& accessor, std::string_view query, LONG flag) {
     Bstr text;
-    const HRESULT status = accessor->GetXML(Bstr(Wide(query)).get(), flag, text.put());
+    const HRESULT status = accessor->GetXML(Text(query).get(), flag, text.put());
     if (status == S_OK) return Shown(text.get());
     EXPECT_EQ(text.get(), nullptr) << "no match and no success, but a text";
     return Hex(status);
@@ -41,14 +45,30 @@ CPComPtr<IPortMapContent> TemplateFor(std::string_view address) {
     const auto device = Create<IPortMapContent>(kProgIdDeviceContent);
     const auto service = Create<IPortMapContent>(kProgIdServiceContent);
     const auto services = Create<IPortMapList>(kProgIdServiceList);
-    EXPECT_EQ(service->put_ServiceAddress(Bstr(Wide(address)).get()), S_OK);
+    EXPECT_EQ(service->put_ServiceAddress(Text(address).get()), S_OK);
     EXPECT_EQ(services->Add(service.get()), S_OK);
     EXPECT_EQ(device->put_ServiceList(services.get()), S_OK);
     return device;
 }
 
-std::vector<std::string> Records(const CPComPtr<IPortMapList>& list) {
-    std::vector<std::string> lines;
+CPComPtr<IPortMapContent> FirstDevice(std::string_view address) {
+    const auto map = Create<IPortMap>(kProgIdPortMap);
+    CPComPtr<IPortMapList> devices;
+    CPComPtr<IPortMapContent> device;
+    EXPECT_EQ(Hex(map->GetMatchingDevices(TemplateFor(address).get(), devices.put())), Hex(S_OK));
+    if (devices) EXPECT_EQ(Hex(devices->First(device.put())), Hex(S_OK));
+    return device;
+}
+
+CPComPtr<IPortMapList> ServicesOf(const CPComPtr<IPortMapContent>& device) {
+    CPComPtr<IUnknown> held;
+    if (device) EXPECT_EQ(Hex(device->get_ServiceList(held.put())), Hex(S_OK));
+    return held.query<IPortMapList>();
+}
+
+Lines Records(const CPComPtr<IPortMapList>& list) {
+    if (!list) return {"no list"};
+    Lines lines;
     CPComPtr<IPortMapContent> record;
     HRESULT status = list->First(record.put());
     for (; status == S_OK; status = list->Next(record.put())) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "components/Utf8.h"
+#include "common/CodePageText.h"
 #include "tools/wn/Command.h"
 #include "tools/wn/CommandLine.h"
 #include "tools/wn/RegistryView.h"
@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
     std::vector<const char*> texts;
     for (const std::string& argument : arguments) texts.push_back(argument.c_str());
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        if (wncom::components::IsUtf8(arguments[i])) continue;
+        if (wncom::WidenExactly(CP_UTF8, arguments[i])) continue;
         PrintError("Argument " + std::to_string(i) + " is not UTF-8 text");
         return 2;
     }
