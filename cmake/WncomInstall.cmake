@@ -122,7 +122,7 @@ install(FILES ${CMAKE_BINARY_DIR}/wncom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/p
 # package gets by its dependencies comes with terms of its own.
 set(compiled_in libcli11-dev nlohmann-json3-dev)
 if(WIN32)
-    list(APPEND compiled_in libpugixml-dev libsqlite3-dev gcc-mingw-w64-base mingw-w64-common)
+    list(APPEND compiled_in libexpat1-dev libpugixml-dev libsqlite3-dev gcc-mingw-w64-base mingw-w64-common)
 endif()
 foreach(library ${compiled_in})
     install(

@@ -10,8 +10,18 @@ std::string Hex(HRESULT status) {
     return text;
 }
 
+Bstr Reason() {
+    Bstr reason;
+    CPComPtr<IErrorInfo> error;
+    if (GetErrorInfo(0, error.put()) == S_OK) error->GetDescription(reason.put());
+    return reason;
+}
+
 void Check(HRESULT status, const char* operation) {
-    if (FAILED(status)) throw std::runtime_error(std::string(operation) + " failed with " + Hex(status));
+    if (SUCCEEDED(status)) return;
+    const Bstr reason = Reason();
+    throw std::runtime_error(std::string(operation) + " failed with " + Hex(status) +
+                             (reason ? ": " + Shown(reason) : ""));
 }
 
 std::string Shown(const Bstr& text) {

@@ -22,7 +22,14 @@ using wncom::CPComPtr;
 // "0x80004005", as everybody writes statuses.
 std::string Hex(HRESULT status);
 
-// Throws std::runtime_error with the operation's name and the status when that is a failure.
+// For the terminal: UTF-8, or "(null)".
+std::string Shown(const Bstr& text);
+
+// Why the last operation of this thread failed, as the transport library told COM; null when it told nothing. Reading
+// takes it away.
+Bstr Reason();
+
+// Throws std::runtime_error with the operation's name, the status and the reason when that is a failure.
 void Check(HRESULT status, const char* operation);
 
 // A new object of the class that the ProgID names.
@@ -43,9 +50,6 @@ CPComPtr<Interface> Ask(const CPComPtr<Held>& object) {
     Check(object.QueryInterface(asked), "QueryInterface");
     return asked;
 }
-
-// For the terminal: UTF-8, or "(null)".
-std::string Shown(const Bstr& text);
 
 // What stands between <name> and </name> in an answer; empty when there is no such element.
 Bstr ElementText(const Bstr& document, std::basic_string_view<OLECHAR> name);

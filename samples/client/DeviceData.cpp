@@ -22,11 +22,12 @@ void ShowDeviceData(const CPComPtr<wncom::IWendrel>& agent, std::ostream& out) {
     // From SetData a text comes beside S_OK only: here the values that could not be set when the others were.
     const Bstr both(
         OLESTR("<setData><set><path>/device/message</path><value>busy</value></set>"
-               "<set><path>/device/jobs</path><value>0</value></set></setData>"));
+               "<set><path>/device/lid</path><value>open</value></set></setData>"));
     Check(data->SetData(both.get(), 1, exception.put()), "SetData");
     out << Shown(ElementText(exception, OLESTR("path"))) << ": " << Shown(ElementText(exception, OLESTR("reason")))
         << "\n";
-    out << "SetData: " << Hex(data->SetData(both.get(), 0, nullptr)) << "\n";
+    // When it refuses the whole document, the reason is in COM's error object.
+    out << "SetData: " << Hex(data->SetData(both.get(), 0, nullptr)) << ", " << Shown(Reason()) << "\n";
 }
 
 }  // namespace sample

@@ -4,15 +4,31 @@
 #include <cstring>
 
 #include "samples/transport/Texts.h"
+#include "wncom/CPComPtr.h"
+#include "wncom/Logging.h"
 
 namespace sample {
+namespace {
 
-void StoreText(BSTR* slot, std::string_view text) noexcept {
-    if (!slot) return;
+// Scripts read it as Err.Description or error.description.
+void SetReason(std::basic_string<WCHAR> reason) {
+    wncom::CPComPtr<ICreateErrorInfo> error;
+    wncom::CPComPtr<IErrorInfo> info;
+    if (FAILED(CreateErrorInfo(error.put()))) return;
+    error->SetDescription(reason.data());
+    if (SUCCEEDED(error->QueryInterface(IID_IErrorInfo, info.put_void()))) SetErrorInfo(0, info.get());
+}
+
+}  // namespace
+
+void Tell(const char* operation, BSTR* exceptionSlot, std::string_view reason) noexcept {
     try {
-        *slot = SysAllocString(Widened(text).c_str());
-    } catch (const std::exception&) {
-        *slot = nullptr;
+        const std::string text(reason);
+        wncom::Log(1, "SampleJobControl::%s failed: %s\n", operation, text.c_str());
+        SetReason(Widened(reason));
+        if (exceptionSlot) *exceptionSlot = SysAllocString(Widened(reason).c_str());
+    } catch (...) {
+        // Out of memory: the empty result tells of the failure all the same.
     }
 }
 
@@ -22,7 +38,7 @@ WCHAR* MallocText(std::string_view text) noexcept {
         const std::size_t bytes = (wide.size() + 1) * sizeof(WCHAR);
         void* const memory = std::malloc(bytes);
         return memory ? static_cast<WCHAR*>(std::memcpy(memory, wide.c_str(), bytes)) : nullptr;
-    } catch (const std::exception&) {
+    } catch (...) {
         return nullptr;
     }
 }

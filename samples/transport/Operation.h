@@ -8,29 +8,29 @@
 #include <exception>
 #include <string_view>
 
-#include "wncom/Logging.h"
-
 namespace sample {
 
-// Puts a text (UTF-8) into the client's exception slot as a new BSTR, which the client frees. Without a slot the
-// client wants none. When memory runs out the slot stays null: the failure itself is told all the same.
-void StoreText(BSTR* slot, std::string_view text) noexcept;
+// Tells the log, COM's error object of the thread, and the client's exception slot, if there is one, why an operation
+// failed. The text is UTF-8.
+void Tell(const char* operation, BSTR* exceptionSlot, std::string_view reason) noexcept;
 
-// A text (UTF-8) as UTF-16 from malloc, as the agent frees it; null when memory runs out.
+// A text (UTF-8) as UTF-16 from malloc, which the agent frees; null when memory runs out.
 WCHAR* MallocText(std::string_view text) noexcept;
 
-// Runs an operation and lets no exception out of the library: the bridge would catch it, but only where both were
-// made by the same compiler and share its run-time library. The log tells what happened, the slot tells the client,
-// and the bridge gets the empty result, which means that nothing came back.
+// Runs an operation and lets no exception out of the library, whoever threw it: on 32-bit Windows it may end the
+// process. The agent gets the empty result, which means that nothing came back.
 template <class Body>
-auto Answered(const char* operation, BSTR* exceptionSlot, Body body) -> decltype(body()) {
+auto Answered(const char* operation, BSTR* exceptionSlot, Body body) noexcept -> decltype(body()) {
+    // An old reason must not be read as this operation's.
+    SetErrorInfo(0, nullptr);
     try {
         return body();
     } catch (const std::exception& failure) {
-        wncom::Log(1, "SampleJobControl::%s failed: %s\n", operation, failure.what());
-        StoreText(exceptionSlot, failure.what());
-        return decltype(body())();
+        Tell(operation, exceptionSlot, failure.what());
+    } catch (...) {
+        Tell(operation, exceptionSlot, "unknown exception");
     }
+    return decltype(body())();
 }
 
 }  // namespace sample

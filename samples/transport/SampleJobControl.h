@@ -7,7 +7,7 @@
 
 namespace sample {
 
-// One connection to a device. The bridge makes a new one whenever it connects, which is before each session start and
+// One connection to a device. The agent makes a new one whenever it connects, which is before each session start and
 // end: what has to last lives in the device.
 class SampleJobControl final : public wncom::RmtJobControl {
 public:
@@ -15,10 +15,10 @@ public:
 
     wncom::CString GetWorkflowCapabilities(wncom::CString request, int flag) override;
     wncom::CString SubmitJob(wncom::CString intentTicket, int flag) override;
-    void Reserved2() override;
-    void Reserved3() override;
-    void Reserved4() override;
-    void SetSessionID(wncom::CString sessionId) override;
+    void Reserved2() override {}
+    void Reserved3() override {}
+    void Reserved4() override {}
+    void SetSessionID(wncom::CString) override {}  // the device knows the thread's session
     wncom::CString StartSession() override;
     void EndSession() override;
     wncom::CString Subscribe(wncom::CString subscriptionInfo, wncom::CString filterProperties,
@@ -36,7 +36,9 @@ public:
     bool UnsubscribeForEvents(wncom::CString subscriptionId, BSTR* exceptionSlot) override;
 
 private:
-    Device& Connected() const;  // throws std::runtime_error without a device
+    // Runs an operation on the device, with its lock held and, where it needs one, in a session.
+    template <class Body>
+    auto OnDevice(const char* operation, bool inSession, BSTR* exceptionSlot, Body body);
 
     wncom::LogReference m_logging;
     Device* m_device = nullptr;  // null until Initialize succeeds; the device outlives this object

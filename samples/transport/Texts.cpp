@@ -5,34 +5,29 @@ namespace {
 
 constexpr WCHAR kReplacement = 0xFFFD;
 
-// The bits of the byte at this place, when it continues a sequence; -1 when it does not.
-int Continuation(std::string_view text, std::size_t at) {
-    const int byte = at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
-    return (byte & 0xC0) == 0x80 ? byte & 0x3F : -1;
-}
-
-bool IsHighSurrogate(WCHAR unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLowSurrogate(WCHAR unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool IsHalf(WCHAR unit) { return unit >= 0xD800 && unit < 0xE000; }
+bool IsPair(WCHAR high, WCHAR low) { return IsHalf(high) && high < 0xDC00 && IsHalf(low) && low >= 0xDC00; }
 
 }  // namespace
 
 std::basic_string<WCHAR> Widened(std::string_view text) {
+    // The bits of the byte at this place, when it continues a sequence; else a number without those bits.
+    const auto next = [text](std::size_t at) {
+        const int byte = at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
+        return byte ^ 0x80;
+    };
     std::basic_string<WCHAR> wide;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const int lead = static_cast<unsigned char>(text[at]);
-        const int second = Continuation(text, at + 1);
-        const int third = Continuation(text, at + 2);
-        if (lead < 0x80) {
-            wide += static_cast<WCHAR>(lead);
-        } else if ((lead & 0xE0) == 0xC0 && second >= 0) {
-            wide += static_cast<WCHAR>((lead & 0x1F) << 6 | second);
+        int unit = lead < 0x80 ? lead : kReplacement;
+        if ((lead & 0xE0) == 0xC0 && next(at + 1) < 0x40) {
+            unit = (lead & 0x1F) << 6 | next(at + 1);
             at += 1;
-        } else if ((lead & 0xF0) == 0xE0 && second >= 0 && third >= 0) {
-            wide += static_cast<WCHAR>((lead & 0x0F) << 12 | second << 6 | third);
+        } else if ((lead & 0xF0) == 0xE0 && next(at + 1) < 0x40 && next(at + 2) < 0x40) {
+            unit = (lead & 0x0F) << 12 | next(at + 1) << 6 | next(at + 2);
             at += 2;
-        } else {
-            wide += kReplacement;
         }
+        wide += static_cast<WCHAR>(unit);
     }
     return wide;
 }
@@ -42,16 +37,13 @@ std::string AsciiXml(std::string_view text) {
     std::string ascii;
     for (std::size_t i = 0; i < wide.size(); ++i) {
         unsigned character = wide[i];
-        if (IsHighSurrogate(wide[i]) && i + 1 < wide.size() && IsLowSurrogate(wide[i + 1])) {
+        if (i + 1 < wide.size() && IsPair(wide[i], wide[i + 1])) {
             character = 0x10000 + ((character - 0xD800) << 10) + (wide[++i] - 0xDC00U);
-        } else if (IsHighSurrogate(wide[i]) || IsLowSurrogate(wide[i])) {
-            character = kReplacement;  // half a character cannot be said in XML
+        } else if (IsHalf(wide[i])) {
+            character = kReplacement;  // XML has no half characters
         }
-        if (character < 0x80) {
-            ascii += static_cast<char>(character);
-        } else {
-            ascii += "&#" + std::to_string(character) + ";";
-        }
+        ascii +=
+            character < 0x80 ? std::string(1, static_cast<char>(character)) : "&#" + std::to_string(character) + ";";
     }
     return ascii;
 }

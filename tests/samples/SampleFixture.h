@@ -1,7 +1,6 @@
 // A home in which every service is reached by the sample transport library.
 #pragma once
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
