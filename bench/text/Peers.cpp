@@ -35,30 +35,6 @@ MallocText<WCHAR> IcuFromUtf8(std::string_view text) {
     return wide;
 }
 
-Iconv::Iconv(const char* from, const char* to) : m_conversion(iconv_open(to, from)) {}
-Iconv::~Iconv() { iconv_close(m_conversion); }
-
-MallocText<char> Iconv::Narrow(const WCHAR* text) {
-    const std::size_t units = std::char_traits<WCHAR>::length(text);
-    auto narrow = Room<char>(units * 3);
-    narrow[Convert(text, units * sizeof(WCHAR), narrow.get(), units * 3)] = '\0';
-    return narrow;
-}
-
-MallocText<WCHAR> Iconv::Wide(std::string_view text) {
-    auto wide = Room<WCHAR>(text.size());
-    wide[Convert(text.data(), text.size(), wide.get(), text.size() * sizeof(WCHAR)) / sizeof(WCHAR)] = 0;
-    return wide;
-}
-
-std::size_t Iconv::Convert(const void* source, std::size_t bytes, void* destination, std::size_t room) {
-    char* in = const_cast<char*>(static_cast<const char*>(source));
-    char* out = static_cast<char*>(destination);
-    std::size_t left = room;
-    Require(iconv(m_conversion, &in, &bytes, &out, &left) == 0, "iconv failed");
-    return room - left;
-}
-
 IcuCodePage::IcuCodePage(const char* name) {
     UErrorCode status = U_ZERO_ERROR;
     m_converter = ucnv_open(name, &status);

@@ -1,10 +1,9 @@
-// The conversions of ICU and iconv as a caller would use them in our place: from one terminated text to another, on
+// The conversions of ICU as a caller would use them in our place: from one terminated text to another, on
 // the C runtime heap, in one call.
 #pragma once
 
 #include <windows.h>
 
-#include <iconv.h>
 #include <unicode/ucnv.h>
 
 #include <string_view>
@@ -15,24 +14,6 @@ namespace wncom::bench {
 
 MallocText<char> IcuToUtf8(const WCHAR* text);
 MallocText<WCHAR> IcuFromUtf8(std::string_view text);
-
-// One opened conversion.
-class Iconv {
-public:
-    Iconv(const char* from, const char* to);
-    Iconv(const Iconv&) = delete;
-    Iconv& operator=(const Iconv&) = delete;
-    ~Iconv();
-
-    MallocText<char> Narrow(const WCHAR* text);
-    MallocText<WCHAR> Wide(std::string_view text);
-
-private:
-    // Returns the number of bytes written.
-    std::size_t Convert(const void* source, std::size_t bytes, void* destination, std::size_t room);
-
-    iconv_t m_conversion;
-};
 
 // A code page of one byte a character.
 class IcuCodePage {

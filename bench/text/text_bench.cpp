@@ -1,4 +1,4 @@
-// The whole calls of the conversions against ICU and iconv, in the narrow code page 1252; with "--utf-8" as the first
+// The whole calls of the conversions against ICU, in the narrow code page 1252; with "--utf-8" as the first
 // argument, what comes back from the service is read in UTF-8 instead.
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,7 +29,7 @@ auto Repeat(std::size_t times, Convert convert) {
 }
 
 template <class Ours, class Peers>
-void Compare(benchmark::State& state, std::size_t bytes, std::optional<double> aim, Ours ours, Peers peers) {
+void Compare(benchmark::State& state, std::size_t bytes, double aim, Ours ours, Peers peers) {
     using Text = std::basic_string<std::remove_reference_t<decltype(ours()[0])>>;
     Require(Text(ours().get()) == Text(peers().get()), "ours and the peer's result differ");
     const std::size_t times = ConversionsInSlice(bytes);
@@ -42,10 +42,6 @@ void Outgoing(Script script, std::size_t bytes) {
     const auto ours = [=] { return WCharToUtf8(text.c_str()); };
     Register(name + " / ICU", [=](benchmark::State& state) {
         Compare(state, bytes, IcuAim(script), ours, [&] { return IcuToUtf8(text.c_str()); });
-    });
-    Register(name + " / iconv", [=](benchmark::State& state) {
-        Iconv peer("UTF-16LE", "UTF-8");
-        Compare(state, bytes, std::nullopt, ours, [&] { return peer.Narrow(text.c_str()); });
     });
 }
 
@@ -63,10 +59,6 @@ void Incoming(Script script, std::size_t bytes, bool utf8) {
             IcuCodePage peer("windows-1252");
             Compare(state, bytes, IcuAim(script), ours, [&] { return peer.Wide(text); });
         }
-    });
-    Register(name + " / iconv", [=](benchmark::State& state) {
-        Iconv peer(utf8 ? "UTF-8" : "CP1252", "UTF-16LE");
-        Compare(state, bytes, std::nullopt, ours, [&] { return peer.Wide(text); });
     });
 }
 
