@@ -90,10 +90,12 @@ BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD bytesWritten,
 DWORD SetFilePointer(HANDLE handle, LONG distance, LPLONG distanceHigh, DWORD method) {
     const ObjectUse<FileObject> file(handle);
     if (!file) return INVALID_SET_FILE_POINTER;
-    if (distanceHigh || method != FILE_BEGIN) return NoPointer(ERROR_INVALID_PARAMETER);
-    if (distance < 0) return NoPointer(ERROR_NEGATIVE_SEEK);
-    if (lseek(file->Get(), distance, SEEK_SET) < 0) return NoPointer(ErrorFromErrno(errno));
-    return static_cast<DWORD>(distance);
+    if (distanceHigh || (method != FILE_BEGIN && method != FILE_END)) return NoPointer(ERROR_INVALID_PARAMETER);
+    const off_t position = lseek(file->Get(), distance, method == FILE_BEGIN ? SEEK_SET : SEEK_END);
+    if (position < 0) return NoPointer(errno == EINVAL && distance < 0 ? ERROR_NEGATIVE_SEEK : ErrorFromErrno(errno));
+    const DWORD low = static_cast<DWORD>(position);
+    if (low == INVALID_SET_FILE_POINTER) SetLastError(NO_ERROR);
+    return low;
 }
 
 DWORD GetFileSize(HANDLE handle, LPDWORD sizeHigh) {

@@ -77,6 +77,7 @@ BOOL SetSecurityDescriptorDacl(PSECURITY_DESCRIPTOR descriptor, BOOL present, PA
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 #define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFU
 #define FILE_BEGIN 0
+#define FILE_END 2
 #define INVALID_SET_FILE_POINTER 0xFFFFFFFFU
 #define INVALID_FILE_SIZE 0xFFFFFFFFU
 #define STD_OUTPUT_HANDLE (static_cast<DWORD>(-11))
@@ -112,7 +113,7 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD bytesRead, OVERLAPPED* at);
 // An OVERLAPPED whose two offsets are 0xFFFFFFFF appends to the file's end in one step, wherever the end is then.
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD bytesWritten, OVERLAPPED* at);
-// From FILE_BEGIN and with a null high part only (ERROR_INVALID_PARAMETER).
+// From FILE_BEGIN or FILE_END and with a null high part only (ERROR_INVALID_PARAMETER).
 DWORD SetFilePointer(HANDLE file, LONG distance, LPLONG distanceHigh, DWORD method);
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
 BOOL SetEndOfFile(HANDLE file);

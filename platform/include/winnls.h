@@ -40,7 +40,11 @@ struct SYSTEMTIME;
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR text, int size);
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR text, int size);
 
-// The C runtime in the C locale.
+// The C runtime in the C locale: bytes and characters below 256 map one to one, others are refused with
+// static_cast<size_t>(-1). A size query (null destination) of wcstombs does not look at the characters.
+std::size_t mbstowcs(WCHAR* destination, const char* source, std::size_t units);
+std::size_t wcstombs(char* destination, const WCHAR* source, std::size_t bytes);
+
 std::size_t wcslen(const WCHAR* text);
 WCHAR* _wcsdup(const WCHAR* text);  // malloc'ed copy, null for null or when memory runs out
 int _wcsnicmp(const WCHAR* a, const WCHAR* b, std::size_t count);

@@ -27,6 +27,8 @@ int CompareNoCase(const Unit* a, const Unit* b, std::size_t count) {
 }
 
 constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kRefused = static_cast<std::size_t>(-1);
+
 template <class Unit>
 Unit* Duplicate(const Unit* text, std::size_t length) {
     const std::size_t bytes = (length + 1) * sizeof(Unit);
@@ -36,6 +38,36 @@ Unit* Duplicate(const Unit* text, std::size_t length) {
 }
 
 }  // namespace
+
+std::size_t mbstowcs(WCHAR* destination, const char* source, std::size_t units) {
+    if (!source) {
+        errno = EINVAL;
+        return kRefused;
+    }
+    if (!destination) return std::strlen(source);
+    for (std::size_t i = 0; i < units; ++i) {
+        destination[i] = static_cast<unsigned char>(source[i]);
+        if (source[i] == '\0') return i;
+    }
+    return units;
+}
+
+std::size_t wcstombs(char* destination, const WCHAR* source, std::size_t bytes) {
+    if (!source) {
+        errno = EINVAL;
+        return kRefused;
+    }
+    if (!destination) return wcslen(source);
+    for (std::size_t i = 0; i < bytes; ++i) {
+        if (source[i] > 0xFF) {
+            errno = EILSEQ;
+            return kRefused;
+        }
+        destination[i] = static_cast<char>(source[i]);
+        if (source[i] == u'\0') return i;
+    }
+    return bytes;
+}
 
 // Looks at aligned blocks as a whole, beyond the text's end too: what lies there is on the same page of memory.
 __attribute__((no_sanitize("address", "thread"))) std::size_t wcslen(const WCHAR* text) {
