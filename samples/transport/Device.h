@@ -15,7 +15,7 @@ namespace sample {
 // A device outlives the objects that lead to it, and the objects of several agents and threads lead to the same one.
 // Whoever uses it holds its lock. Every refusal is an exception whose text tells why.
 struct Device {
-    explicit Device(std::string_view address) : address(address) {}
+    explicit Device(std::string_view at) : address(at) {}
 
     // An agent starts and ends a session through objects of its own, but always on its thread: so a session belongs
     // to the thread. A new one replaces the old one, for agents seldom end theirs.

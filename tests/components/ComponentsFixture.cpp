@@ -56,13 +56,13 @@ CPComPtr<IPortMapContent> FirstDevice(std::string_view address) {
     CPComPtr<IPortMapList> devices;
     CPComPtr<IPortMapContent> device;
     EXPECT_EQ(Hex(map->GetMatchingDevices(TemplateFor(address).get(), devices.put())), Hex(S_OK));
-    if (devices) EXPECT_EQ(Hex(devices->First(device.put())), Hex(S_OK));
+    EXPECT_EQ(Hex(devices ? devices->First(device.put()) : E_POINTER), Hex(S_OK));
     return device;
 }
 
 CPComPtr<IPortMapList> ServicesOf(const CPComPtr<IPortMapContent>& device) {
     CPComPtr<IUnknown> held;
-    if (device) EXPECT_EQ(Hex(device->get_ServiceList(held.put())), Hex(S_OK));
+    EXPECT_EQ(Hex(device ? device->get_ServiceList(held.put()) : E_POINTER), Hex(S_OK));
     return held.query<IPortMapList>();
 }
 

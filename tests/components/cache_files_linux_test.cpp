@@ -79,7 +79,7 @@ TEST_F(CacheFiles, NoDamageGivesAWrongTicket) {
         fs::rename(m_path + ".new", m_path);
         for (int i = 0; i < kTickets; ++i) {
             const std::string found = Fetch(Name(i));
-            if (found != Ticket(i)) EXPECT_EQ(found, Hex(S_FALSE));
+            EXPECT_TRUE(found == Ticket(i) || found == Hex(S_FALSE)) << found;
         }
         EXPECT_EQ(Hex(Put("new", "<new/>")), Hex(S_OK));
         EXPECT_EQ(Fetch("new"), "<new/>");
