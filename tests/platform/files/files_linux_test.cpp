@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <windows.h>
@@ -29,6 +30,24 @@ TEST(FilesOnLinux, AFullDiskIsTold) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_DISK_FULL});
     EXPECT_EQ(written, 0U);
     EXPECT_TRUE(CloseHandle(full));
+}
+
+TEST(FilesOnLinux, WhatASizeLimitCutsOffIsTold) {
+    const std::string path = InHome("limited");
+    WriteWholeFile(path, std::string(100, '.'));
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{102, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const HANDLE file = Open(path, GENERIC_WRITE);
+    DWORD written = 99;
+    OVERLAPPED at{};
+    at.Offset = 99;
+    EXPECT_FALSE(WriteFile(file, "12345", 5, &written, &at));
+    setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_EQ(written, 3U);
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_EQ(ReadWholeFile(path), std::string(99, '.') + "123");
 }
 
 TEST(FilesOnLinux, APipeWithoutReaderFailsTheWriteAndNotTheProcess) {
@@ -74,6 +93,14 @@ TEST(FilesOnLinux, WhatIsNotOfferedIsRefused) {
     WriteWholeFile(file, "x");
     char full[MAX_PATH];
     char* part = nullptr;
+    DWORD count = 0;
+    const HANDLE handle =
+        CreateFileA(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_FALSE(WriteFile(handle, nullptr, 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_FALSE(ReadFile(handle, nullptr, 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_TRUE(CloseHandle(handle));
     EXPECT_FALSE(MoveFileExA(file.c_str(), HomePath().c_str(), MOVEFILE_REPLACE_EXISTING));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_FALSE(MoveFileExA(file.c_str(), InHome("new").c_str(), 0));

@@ -158,6 +158,9 @@ TEST(Files, AreCutAndGrowAtThePosition) {
         EXPECT_EQ(GetFileSize(file.handle, &high), expected.size());
         EXPECT_EQ(high, 0U);
     }
+    EXPECT_EQ(SetFilePointer(file.handle, -2, nullptr, FILE_END), 3U);
+    EXPECT_EQ(SetFilePointer(file.handle, -6, nullptr, FILE_END), INVALID_SET_FILE_POINTER);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NEGATIVE_SEEK});
     EXPECT_EQ(SetFilePointer(file.handle, -1, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NEGATIVE_SEEK});
     EXPECT_EQ(SetFilePointer(file.handle, 0, nullptr, 3), INVALID_SET_FILE_POINTER);

@@ -1,6 +1,7 @@
 // The registry's file, as a person reads and edits it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <windows.h>
 
@@ -158,6 +159,23 @@ TEST(RegistryFile, IsReadWithoutAChangeThatAKilledWriterLeft) {
     const Key key("SOFTWARE\\Next");
     EXPECT_EQ(ReadWholeFile(File()), kSound + "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Next]\n");
     EXPECT_EQ(GetText("SOFTWARE\\Sound", "v"), "1");
+}
+
+TEST(RegistryFile, StaysAsItIsWhenAChangeDoesNotFit) {
+    WriteWholeFile(File(), kSound);
+    const Key key("SOFTWARE\\Sound");
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    for (const std::size_t room : {0U, 1U, 10U}) {
+        const rlimit small{kSound.size() + room, limit.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        EXPECT_NE(SetText(key.get(), "v", "2"), ERROR_SUCCESS);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_EQ(ReadWholeFile(File()), kSound);
+        EXPECT_EQ(GetText("SOFTWARE\\Sound", "v"), "1");
+    }
+    EXPECT_EQ(SetText(key.get(), "v", "2"), ERROR_SUCCESS);
+    EXPECT_EQ(GetText("SOFTWARE\\Sound", "v"), "2");
 }
 
 TEST(RegistryFile, IsWrittenAnewWhenChangesHaveOutgrownTheRest) {

@@ -95,11 +95,19 @@ TEST_F(Registry, TellsTheSizeThatABufferNeeds) {
 TEST_F(Registry, EndsATextThatWasStoredWithoutItsEndWhereThereIsRoom) {
     const Key key(kBase);
     ASSERT_EQ(Set(key.get(), "v", "abc"sv.substr(0, 2), REG_SZ), 0);
-    char data[4] = "xyz";
+    char data[5] = "wxyz";
     DWORD size = sizeof data;
     ASSERT_EQ(RegQueryValueExA(key.get(), "v", nullptr, nullptr, reinterpret_cast<LPBYTE>(data), &size), 0);
-    EXPECT_EQ(std::string_view(data, 4), "ab\0\0"sv);
+    EXPECT_EQ(std::string_view(data, 5), "ab\0z\0"sv);
     EXPECT_EQ(size, 2U);
+    // One that has its end gets no other.
+    ASSERT_EQ(SetText(key.get(), "v", "d"), 0);
+    size = sizeof data;
+    ASSERT_EQ(RegQueryValueExA(key.get(), "v", nullptr, nullptr, reinterpret_cast<LPBYTE>(data), &size), 0);
+    EXPECT_EQ(std::string_view(data, 5), "d\0\0z\0"sv);
+    data[2] = 'y';
+    ASSERT_EQ(RegQueryValueExA(key.get(), "v", nullptr, nullptr, reinterpret_cast<LPBYTE>(data), &size), 0);
+    EXPECT_EQ(std::string_view(data, 5), "d\0yz\0"sv);
 }
 
 TEST_F(Registry, RefusesWhatAHandleWasNotOpenedFor) {

@@ -7,6 +7,24 @@
 
 namespace {
 
+TEST(RuntimeText, ConvertsBytesAndCharactersBelow256OneToOneWithinTheRoom) {
+    constexpr auto refused = static_cast<std::size_t>(-1);
+    char narrow[4] = "zzz";
+    EXPECT_EQ(wcstombs(narrow, OLESTR("a\u00E9"), sizeof narrow), 2U);
+    EXPECT_STREQ(narrow, "a\xE9");
+    EXPECT_EQ(wcstombs(narrow, OLESTR("bcd"), 2), 2U);
+    EXPECT_STREQ(narrow, "bc");
+    EXPECT_EQ(wcstombs(narrow, OLESTR("a\u0100"), sizeof narrow), refused);
+    EXPECT_EQ(wcstombs(nullptr, OLESTR("abc"), 0), 3U);
+
+    WCHAR wide[4] = {'z', 'z', 'z', 0};
+    EXPECT_EQ(mbstowcs(wide, "a\xFF", 4), 2U);
+    EXPECT_EQ(std::basic_string<WCHAR>(wide), OLESTR("a\u00FF"));
+    EXPECT_EQ(mbstowcs(wide, "bcd", 2), 2U);
+    EXPECT_EQ(std::basic_string<WCHAR>(wide), OLESTR("bc"));
+    EXPECT_EQ(mbstowcs(static_cast<WCHAR*>(nullptr), "a\x80\xFF", 0), 3U);
+}
+
 TEST(RuntimeText, ComparesWithoutTheCaseOfAsciiLettersOnly) {
     const auto sign = [](int result) { return (result > 0) - (result < 0); };
     const struct {
