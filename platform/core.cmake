@@ -11,15 +11,16 @@ target_sources(
             text/CodePages.cpp
             com/Com.cpp
             com/ErrorInfo.cpp
-            sync/CriticalSections.cpp
             core/ErrorTexts.cpp
             core/Errors.cpp
             com/GuidText.cpp
             com/Guids.cpp
             core/Home.cpp
+            core/HomeLock.cpp
             processes/ModuleFiles.cpp
             processes/Modules.cpp
             files/Paths.cpp
+            core/Trust.cpp
             com/RandomGuids.cpp
             registry/Registry.cpp
             registry/RegistryApiKeys.cpp

@@ -1,7 +1,6 @@
 #include "platform/com/ClassServers.h"
 
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -13,7 +12,6 @@
 #include "platform/text/Texts.h"
 
 namespace wnplatform {
-namespace {
 
 using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, LPVOID*);
 using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
@@ -25,11 +23,13 @@ struct ModuleReleaser {
 };
 using ModuleOwner = std::unique_ptr<HMODULE, ModuleReleaser>;
 
-struct Server {
+struct ClassServer {
     ModuleOwner module;
     GetClassObject getClassObject = nullptr;
     CanUnloadNow canUnloadNow = nullptr;  // null: never unloaded
 };
+
+namespace {
 
 struct GuidHash {
     std::size_t operator()(REFGUID guid) const noexcept {
@@ -44,8 +44,8 @@ struct GuidHash {
 // changed. Whoever uses a server shares it, so that it cannot be unloaded under a call into it.
 struct Table {
     std::mutex mutex;
-    std::map<std::string, std::shared_ptr<const Server>> byPath;
-    std::unordered_map<GUID, std::shared_ptr<const Server>, GuidHash> byClass;
+    std::map<std::string, HeldServer> byPath;
+    std::unordered_map<GUID, HeldServer, GuidHash> byClass;
     std::uint64_t registryVersion = 0;
 };
 
@@ -61,13 +61,13 @@ Function Export(HMODULE module, LPCSTR name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-HRESULT Load(const std::string& path, std::shared_ptr<const Server>& server) {
+HRESULT Load(const std::string& path, HeldServer& server) {
     ModuleOwner module(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     if (!module) return HRESULT_FROM_WIN32(GetLastError());
     const auto getClassObject = Export<GetClassObject>(module.get(), "DllGetClassObject");
     if (!getClassObject) return CO_E_ERRORINDLL;
     const auto canUnloadNow = Export<CanUnloadNow>(module.get(), "DllCanUnloadNow");
-    server = std::make_shared<const Server>(Server{std::move(module), getClassObject, canUnloadNow});
+    server = std::make_shared<const ClassServer>(ClassServer{std::move(module), getClassObject, canUnloadNow});
     return S_OK;
 }
 
@@ -78,7 +78,7 @@ std::string RegisteredPath(REFCLSID clsid) {
     return IsAscii(path) ? path : NarrowFromUtf8(path);
 }
 
-HRESULT FindServer(REFCLSID clsid, std::shared_ptr<const Server>& server) {
+HRESULT FindServer(REFCLSID clsid, HeldServer& server) {
     Table& table = TheTable();
     const std::uint64_t version = RegistryVersion();
     std::unique_lock lock(table.mutex);
@@ -111,8 +111,7 @@ HRESULT FindServer(REFCLSID clsid, std::shared_ptr<const Server>& server) {
 
 }  // namespace
 
-HRESULT GetServerClassObject(REFCLSID clsid, REFIID iid, void** object) {
-    std::shared_ptr<const Server> server;
+HRESULT GetServerClassObject(REFCLSID clsid, REFIID iid, HeldServer& server, void** object) {
     if (const HRESULT hr = FindServer(clsid, server); FAILED(hr)) return hr;
     const HRESULT hr = server->getClassObject(clsid, iid, object);
     return SUCCEEDED(hr) && !*object ? E_NOINTERFACE : hr;
@@ -120,12 +119,12 @@ HRESULT GetServerClassObject(REFCLSID clsid, REFIID iid, void** object) {
 
 void UnloadIdleServers() noexcept try {
     // Their modules are freed without the lock: a module's end may run code of any kind.
-    std::vector<std::shared_ptr<const Server>> idle;
+    std::vector<HeldServer> idle;
     Table& table = TheTable();
     const std::unique_lock lock(table.mutex);
     table.byClass.clear();
     for (auto entry = table.byPath.begin(); entry != table.byPath.end();) {
-        const Server& server = *entry->second;
+        const ClassServer& server = *entry->second;
         // One owner: no call into the server is on its way.
         const bool unload = entry->second.use_count() == 1 && server.canUnloadNow && server.canUnloadNow() == S_OK;
         if (unload) idle.push_back(std::move(entry->second));

@@ -1,5 +1,4 @@
 #include <atomic>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <string>
@@ -29,19 +28,17 @@ HRESULT ComCall(const Body& body) noexcept {
     }
 }
 
-HRESULT GetClassObject(REFCLSID clsid, DWORD context, REFIID iid, LPVOID* object) {
-    if (t_initialisations == 0) return CO_E_NOTINITIALIZED;
-    if ((context & CLSCTX_INPROC_SERVER) == 0) return REGDB_E_CLASSNOTREG;
-    return GetServerClassObject(clsid, iid, object);
-}
-
 struct Releaser {
     void operator()(IUnknown* object) const noexcept { object->Release(); }
 };
 
 HRESULT CreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid, LPVOID* object) {
+    if (t_initialisations == 0) return CO_E_NOTINITIALIZED;
+    if ((context & CLSCTX_INPROC_SERVER) == 0) return REGDB_E_CLASSNOTREG;
+    // Held until the factory's own call is over: another thread may unload what is idle at any time.
+    HeldServer server;
     void* place = nullptr;
-    if (const HRESULT hr = GetClassObject(clsid, context, IID_IClassFactory, &place); FAILED(hr)) return hr;
+    if (const HRESULT hr = GetServerClassObject(clsid, IID_IClassFactory, server, &place); FAILED(hr)) return hr;
     const std::unique_ptr<IClassFactory, Releaser> factory(static_cast<IClassFactory*>(place));
     return factory->CreateInstance(outer, iid, object);
 }
@@ -79,33 +76,11 @@ HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID 
     return hr;
 }
 
-HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, LPVOID, REFIID iid, LPVOID* object) {
-    if (!object) return E_INVALIDARG;
-    *object = nullptr;
-    const HRESULT hr = ComCall([&] { return GetClassObject(clsid, context, iid, object); });
-    if (FAILED(hr)) *object = nullptr;
-    return hr;
-}
-
 HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* clsid) {
     if (!clsid) return E_INVALIDARG;
     *clsid = GUID_NULL;
     if (!progId) return E_INVALIDARG;
     return ComCall([&] { return ClassOfProgId(Utf8FromWide(progId), *clsid); });
-}
-
-HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) {
-    if (!clsid) return E_INVALIDARG;
-    *clsid = GUID_NULL;
-    if (!text) return S_OK;
-    return ComCall([&] {
-        const std::string narrow = Utf8FromWide(text);
-        if (!narrow.starts_with('{')) return ClassOfProgId(narrow, *clsid);
-        const auto parsed = GuidOfText(narrow);
-        if (!parsed) return CO_E_CLASSSTRING;
-        *clsid = *parsed;
-        return S_OK;
-    });
 }
 
 int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) {
@@ -115,7 +90,3 @@ int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) {
     *text = 0;
     return needed;
 }
-
-LPVOID CoTaskMemAlloc(SIZE_T bytes) { return std::malloc(bytes); }
-
-void CoTaskMemFree(LPVOID memory) { std::free(memory); }

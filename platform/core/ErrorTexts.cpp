@@ -25,7 +25,6 @@ constexpr ErrorText kTexts[] = {
     {ERROR_NOT_ENOUGH_MEMORY, "There is too little memory for this request.\r\n"},
     {ERROR_BAD_FORMAT, "The data does not have the form that was expected.\r\n"},
     {ERROR_INVALID_DATA, "The data is not valid.\r\n"},
-    {ERROR_INVALID_DATA, "The data is not valid.\r\n"},
     {ERROR_OUTOFMEMORY, "Memory has run out.\r\n"},
     {ERROR_NO_MORE_FILES, "No further file matches.\r\n"},
     {ERROR_WRITE_FAULT, "Writing to the device failed.\r\n"},
@@ -47,7 +46,6 @@ constexpr ErrorText kTexts[] = {
     {ERROR_BAD_EXE_FORMAT, "The file is no program or module for this system.\r\n"},
     {ERROR_FILENAME_EXCED_RANGE, "The file name is too long.\r\n"},
     {ERROR_FILE_TOO_LARGE, "The file is larger than allowed.\r\n"},
-    {ERROR_FILE_TOO_LARGE, "The file is too large for this.\r\n"},
     {ERROR_NO_DATA, "The other end of the pipe is closed.\r\n"},
     {ERROR_MORE_DATA, "There is more data than the buffer holds.\r\n"},
     {ERROR_NO_MORE_ITEMS, "There are no further items.\r\n"},
@@ -60,6 +58,7 @@ constexpr ErrorText kTexts[] = {
     {ERROR_NO_UNICODE_TRANSLATION, "The text holds what its code page does not know.\r\n"},
     {ERROR_DLL_INIT_FAILED, "The module refused to start.\r\n"},
     {ERROR_UNKNOWN_REVISION, "The revision is not known.\r\n"},
+    {ERROR_TIMEOUT, "The time for the wait is over.\r\n"},
 
     {Status(E_NOTIMPL), "This is not implemented.\r\n"},
     {Status(E_NOINTERFACE), "The object does not have this interface.\r\n"},

@@ -1,10 +1,12 @@
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
+#include "platform/core/Trust.h"
 #include "wnplatform/inspect.h"
 
 namespace wnplatform {
@@ -33,7 +35,11 @@ std::string Make() {
     fs::path home = fs::absolute(Choose(), error).lexically_normal();
     if (!home.has_filename()) home = home.parent_path();
     // A folder that cannot be made shows when something is looked up in it.
-    for (const char* folder : {"windows", "drive_c"}) fs::create_directories(home / folder, error);
+    fs::create_directories(home.parent_path(), error);
+    // Whoever may write the home is trusted, and that is nobody's wish for everyone, whatever the umask.
+    mkdir(home.c_str(), 0775);
+    MakeSharedFolder(home.string(), "windows", Others::Read);
+    MakeSharedFolder(home.string(), "drive_c", Others::Read);
     return home.string();
 }
 

@@ -1,3 +1,5 @@
+#include "platform/core/Time.h"
+
 #include <ctime>
 
 #include "winbase.h"
@@ -28,6 +30,16 @@ SYSTEMTIME LocalTimeAt(std::time_t second) {
 
 }  // namespace
 
+namespace wnplatform {
+
+LONGLONG MonotonicMilliseconds() noexcept {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return LONGLONG{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+}  // namespace wnplatform
+
 void GetLocalTime(SYSTEMTIME* time) {
     timespec now;
     // Moves with the host's tick of a few milliseconds, as Windows' does; the finer clocks cost many times as much.
@@ -35,10 +47,4 @@ void GetLocalTime(SYSTEMTIME* time) {
     if (t_last.second != now.tv_sec) t_last = {now.tv_sec, LocalTimeAt(now.tv_sec)};
     *time = t_last.time;
     time->wMilliseconds = static_cast<WORD>(now.tv_nsec / 1'000'000);
-}
-
-DWORD GetTickCount() {
-    timespec now;
-    clock_gettime(CLOCK_BOOTTIME, &now);
-    return static_cast<DWORD>(now.tv_sec * 1000 + now.tv_nsec / 1'000'000);
 }

@@ -6,6 +6,7 @@
 
 #include "platform/core/Errors.h"
 #include "platform/core/Guarded.h"
+#include "platform/core/Trust.h"
 #include "platform/files/FileObject.h"
 #include "platform/sync/Security.h"
 #include "wnplatform/inspect.h"
@@ -76,7 +77,7 @@ HANDLE Create(const std::string& path, DWORD access, const SECURITY_ATTRIBUTES* 
     if (S_ISDIR(status.st_mode)) return Refuse(ERROR_ACCESS_DENIED);
     const bool regular = S_ISREG(status.st_mode);
     if (!regular) fcntl(descriptor, F_SETFL, OpenFlags(access));
-    if (!opened.existed && EveryoneMayOpen(security)) fchmod(descriptor, 0666);
+    if (!opened.existed && regular) SetNewAccess(descriptor, path, EveryoneMayOpen(security));
 
     const FileObject::Access granted{(access & GENERIC_READ) != 0, (access & GENERIC_WRITE) != 0, regular, true};
     const HANDLE handle = AddObject(std::make_unique<FileObject>(std::move(opened.descriptor), granted));

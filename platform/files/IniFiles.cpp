@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +11,8 @@
 #include <string_view>
 
 #include "platform/core/Guarded.h"
+#include "platform/core/HomeLock.h"
+#include "platform/core/Trust.h"
 #include "platform/files/Descriptor.h"
 #include "platform/files/FileObject.h"
 #include "platform/files/IniText.h"
@@ -47,16 +48,24 @@ std::optional<std::string> ReadText(const std::string& path) {
     return text;
 }
 
+// Who may read and write the file that is replaced may read and write the new one.
+bool SetAccess(int file, const struct stat* replaced, const std::string& path) {
+    if (replaced) return KeepAccess(file, *replaced);
+    if (fchmod(file, 0644) != 0) return false;
+    SetNewAccess(file, path, false);
+    return true;
+}
+
 // The new text takes the old one's place in one step, so that readers and a crash find either of them whole.
-bool ReplaceText(const std::string& path, const std::string& text) {
+bool ReplaceText(const std::string& path, const std::string& text, const std::string& asked) {
     std::string temporary = path + ".XXXXXX";
     const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
     if (!file) return false;
     struct stat status;
     const bool replaces = stat(path.c_str(), &status) == 0;
     const bool written = WriteAll(file.Get(), text.data(), text.size(), false) == text.size() &&
-                         fchmod(file.Get(), replaces ? status.st_mode & 07777 : 0644) == 0 &&
-                         fsync(file.Get()) == 0 && rename(temporary.c_str(), path.c_str()) == 0;
+                         SetAccess(file.Get(), replaces ? &status : nullptr, asked) && fsync(file.Get()) == 0 &&
+                         rename(temporary.c_str(), path.c_str()) == 0;
     if (written) return true;
     const int error = errno;
     unlink(temporary.c_str());
@@ -68,21 +77,18 @@ BOOL Write(std::string path, std::string_view section, std::optional<std::string
            std::optional<std::string_view> value) {
     namespace fs = std::filesystem;
     std::error_code error;
+    const std::string asked = path;
     // The file itself is replaced, not a link to it.
     if (const fs::path real = fs::canonical(path, error); !error) path = real.string();
     const fs::path parent = fs::path(path).parent_path();
-    const Descriptor folder(open(parent.empty() ? "." : parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder) return Fail(ERROR_PATH_NOT_FOUND);
+    if (!parent.empty() && !fs::is_directory(parent, error)) return Fail(ERROR_PATH_NOT_FOUND);
     // Two writers must not both begin with the same old text.
-    while (flock(folder.Get(), LOCK_EX) != 0) {
-        if (errno != EINTR) return Fail(ErrorFromErrno(errno));
-    }
+    const HomeLock turn;
+    if (!turn) return Fail(turn.Error());
     std::optional<std::string> text = ReadText(path);
     if (!text && errno != ENOENT) return Fail(PathError(errno, path));
-    const bool written = ReplaceText(path, WithIniValue(text.value_or(""), section, key, value));
-    const BOOL result = written ? TRUE : Fail(PathError(errno, path));
-    flock(folder.Get(), LOCK_UN);
-    return result;
+    const bool written = ReplaceText(path, WithIniValue(text.value_or(""), section, key, value), asked);
+    return written ? TRUE : Fail(PathError(errno, path));
 }
 
 // A number with a sign and a base ("0x", "0o", "0b"), up to the first character that is no digit of it; what does not

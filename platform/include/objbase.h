@@ -22,19 +22,13 @@ void CoFreeUnusedLibraries();
 // CO_E_NOTINITIALIZED without CoInitialize on this thread, REGDB_E_CLASSNOTREG for an unknown class or a class
 // without a server of the wanted kinds.
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid, LPVOID* object);
-HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, LPVOID reserved, REFIID iid, LPVOID* object);
 HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* clsid);
-// A null text is GUID_NULL; one without braces is taken for a ProgID. CO_E_CLASSSTRING for any other.
-HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid);
 // Writes "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"; returns the characters written with the terminator (39), or 0
 // when the capacity is less.
 int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity);
 // A fresh random identifier (version 4), made of the kernel's random bytes, which each thread fetches for many at a
 // time; a forked child never repeats its parent's. E_FAIL when the kernel has none.
 HRESULT CoCreateGuid(GUID* guid);
-
-LPVOID CoTaskMemAlloc(SIZE_T bytes);
-void CoTaskMemFree(LPVOID memory);
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object);
 STDAPI DllCanUnloadNow();

@@ -47,7 +47,8 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 #define SECURITY_DESCRIPTOR_REVISION 1
 struct ACL;
 using PACL = ACL*;
-// Only its discretionary list counts on this host: present and null means that every user may open the object.
+// Only its discretionary list counts on this host: present and null means that all who
+// may write the home may open the object.
 struct SECURITY_DESCRIPTOR {
     BYTE Revision;
     BYTE Sbz1;
@@ -105,7 +106,8 @@ struct WIN32_FIND_DATAA {
 };
 
 // Sharing modes bind handles within the home's processes only as far as byte-range locks do; they are accepted
-// and not enforced.
+// and not enforced. A new file in the home may be read and written by all who may write the home; one with a null access
+// list by them and by nobody else, wherever it lies.
 HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                    DWORD flags, HANDLE templateFile);
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
@@ -141,8 +143,9 @@ HANDLE GetStdHandle(DWORD which);
 // ---- named mutexes ----------------------------------------------------------------------------------------------
 // Shared by the processes of one home, recursive for their owner's thread, abandoned when it ends. Names count case,
 // hold up to MAX_PATH - 1 bytes and no backslash (ERROR_PATH_NOT_FOUND) after a prefix of "Global\" or "Local\",
-// which are one here. A null or empty name makes a mutex of this process. CreateMutexA sets the last error in success
-// too: ERROR_ALREADY_EXISTS, or NO_ERROR for a new one.
+// which are one here. A null or empty name makes a mutex of this process. Whatever the attributes say, those who may
+// write the home may open it, and nobody else (ERROR_ACCESS_DENIED). CreateMutexA sets the last error in success too:
+// ERROR_ALREADY_EXISTS, or NO_ERROR for a new one.
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name);
 HANDLE OpenMutexA(DWORD access, BOOL inherit, LPCSTR name);
 BOOL ReleaseMutex(HANDLE mutex);
@@ -190,7 +193,6 @@ BOOL CreateProcessA(LPCSTR application, LPSTR commandLine, LPSECURITY_ATTRIBUTES
                     LPCSTR directory, STARTUPINFOA* startup, PROCESS_INFORMATION* information);
 // The exit status, STILL_ACTIVE while the process runs; 128 plus the signal's number when a signal ended it.
 BOOL GetExitCodeProcess(HANDLE process, LPDWORD exitCode);
-BOOL TerminateProcess(HANDLE process, UINT exitCode);
 DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
 void Sleep(DWORD milliseconds);
@@ -228,7 +230,6 @@ struct SYSTEMTIME {
     WORD wMilliseconds;
 };
 void GetLocalTime(SYSTEMTIME* time);
-DWORD GetTickCount();
 
 // ---- initialisation files ---------------------------------------------------------------------------------------
 // A bare file name is looked up in the Windows directory only. Each call reads the file anew; one above 16 MB counts
@@ -248,12 +249,3 @@ void OutputDebugStringA(LPCSTR text);
 // ---- atomic counters --------------------------------------------------------------------------------------------
 inline LONG InterlockedIncrement(volatile LONG* value) { return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST); }
 inline LONG InterlockedDecrement(volatile LONG* value) { return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST); }
-
-// ---- critical sections ------------------------------------------------------------------------------------------
-struct CRITICAL_SECTION {
-    void* Mutex;  // a recursive lock on the heap
-};
-void InitializeCriticalSection(CRITICAL_SECTION* section);
-void EnterCriticalSection(CRITICAL_SECTION* section);
-void LeaveCriticalSection(CRITICAL_SECTION* section);
-void DeleteCriticalSection(CRITICAL_SECTION* section);

@@ -11,17 +11,12 @@
 #include <ctime>
 
 #include "platform/core/Errors.h"
+#include "platform/core/Time.h"
 
 namespace wnplatform {
 namespace {
 
 constexpr DWORD kSignalled = 128;
-
-LONGLONG NowInMilliseconds() noexcept {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return LONGLONG{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-}
 
 // Waits for the process behind the descriptor that it owns.
 void* Reap(void* argument) {
@@ -68,14 +63,14 @@ bool Process::HasEnded() noexcept {
     }
     if (status.si_pid == 0) return false;
     const auto code = static_cast<DWORD>(status.si_status);
-    m_exitCode = status.si_code == CLD_EXITED ? code : m_terminationCode.value_or(kSignalled + code);
+    m_exitCode = status.si_code == CLD_EXITED ? code : kSignalled + code;
     return true;
 }
 
 DWORD Process::Wait(DWORD milliseconds) noexcept {
-    const LONGLONG deadline = NowInMilliseconds() + milliseconds;
+    const LONGLONG deadline = MonotonicMilliseconds() + milliseconds;
     while (!HasEnded()) {
-        const LONGLONG left = deadline - NowInMilliseconds();
+        const LONGLONG left = deadline - MonotonicMilliseconds();
         if (milliseconds != INFINITE && left <= 0) return WAIT_TIMEOUT;
         const timespec patience{static_cast<time_t>(left / 1000), static_cast<long>(left % 1000) * 1'000'000};
         pollfd ended{m_descriptor.Get(), POLLIN, 0};
@@ -91,13 +86,6 @@ DWORD Process::ExitCode() noexcept {
     if (!HasEnded()) return STILL_ACTIVE;
     const std::scoped_lock guard(m_lock);
     return *m_exitCode;
-}
-
-bool Process::Terminate(DWORD exitCode) noexcept {
-    if (HasEnded()) return false;
-    const std::scoped_lock guard(m_lock);
-    m_terminationCode = exitCode;
-    return syscall(SYS_pidfd_send_signal, m_descriptor.Get(), SIGKILL, nullptr, 0) == 0;
 }
 
 }  // namespace wnplatform

@@ -23,16 +23,13 @@ public:
     DWORD Wait(DWORD milliseconds) noexcept;
     // The exit status, STILL_ACTIVE while it runs. A program that a signal ended has 128 plus the signal's number.
     DWORD ExitCode() noexcept;
-    // False when it has ended already.
-    bool Terminate(DWORD exitCode) noexcept;
 
 private:
     bool HasEnded() noexcept;
 
     const Descriptor m_descriptor;
     std::mutex m_lock;
-    std::optional<DWORD> m_exitCode;         // guarded by m_lock
-    std::optional<DWORD> m_terminationCode;  // guarded by m_lock
+    std::optional<DWORD> m_exitCode;  // guarded by m_lock
 };
 
 class ProcessObject final : public KernelObject {

@@ -74,12 +74,6 @@ BOOL GetExitCodeProcess(HANDLE handle, LPDWORD exitCode) {
     return TRUE;
 }
 
-BOOL TerminateProcess(HANDLE handle, UINT exitCode) {
-    const ObjectUse<ProcessObject> object(handle);
-    if (!object) return FALSE;
-    return object->process->Terminate(exitCode) ? TRUE : Fail(ERROR_ACCESS_DENIED);
-}
-
 DWORD GetCurrentProcessId() {
     DWORD id = wnplatform::g_process.load(std::memory_order_relaxed);
     if (id == 0) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/core/Errors.h"
+#include "platform/core/Trust.h"
 #include "platform/files/Reading.h"
 #include "platform/files/Writing.h"
 
@@ -106,12 +107,14 @@ LSTATUS RegistryFile::Replace(std::string text) {
     const std::string fresh = m_path + ".new";
     unlink(fresh.c_str());  // of a writer that was killed
     struct stat before;
-    const bool hasMode = m_file && fstat(m_file.Get(), &before) == 0;
-    Descriptor file(open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, hasMode ? 0600 : 0666));
+    const bool replaces = m_file && fstat(m_file.Get(), &before) == 0;
+    Descriptor file(open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666));
+    const auto setAccess = [&] {
+        return replaces ? KeepAccess(file.Get(), before) : ShareWithHome(file.Get(), Others::Read);
+    };
     struct stat written;
-    if (!file || (hasMode && fchmod(file.Get(), before.st_mode & 07777) != 0) ||
-        WriteAll(file.Get(), text.data(), text.size(), false) != text.size() || fstat(file.Get(), &written) != 0 ||
-        rename(fresh.c_str(), m_path.c_str()) != 0) {
+    if (!file || !setAccess() || WriteAll(file.Get(), text.data(), text.size(), false) != text.size() ||
+        fstat(file.Get(), &written) != 0 || rename(fresh.c_str(), m_path.c_str()) != 0) {
         const LSTATUS status = StatusFromErrno();
         unlink(fresh.c_str());
         return status;

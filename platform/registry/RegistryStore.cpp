@@ -1,14 +1,10 @@
 #include "platform/registry/RegistryStore.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-
-#include <cerrno>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "platform/core/Errors.h"
+#include "platform/core/HomeLock.h"
 #include "platform/registry/RegistryFile.h"
 #include "platform/registry/RegistryText.h"
 #include "wnplatform/inspect.h"
@@ -31,8 +27,8 @@ public:
 
     LSTATUS Change(const std::function<LSTATUS(const RegistryView&, std::string&)>& change) {
         RegistryView view{std::unique_lock(m_mutex), ERROR_SUCCESS, nullptr, 0};
-        Descriptor turn;
-        if (const LSTATUS status = TakeTurn(turn); status != ERROR_SUCCESS) return status;
+        const HomeLock turn;
+        if (!turn) return static_cast<LSTATUS>(turn.Error());
         Look(view);
         if (view.status != ERROR_SUCCESS) return view.status;
         if (m_tree->damaged) return ERROR_BADDB;
@@ -42,15 +38,6 @@ public:
     }
 
 private:
-    // One process after the other, until the descriptor is closed.
-    LSTATUS TakeTurn(Descriptor& turn) const {
-        turn = Descriptor(open(m_lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-        while (!turn || flock(turn.Get(), LOCK_EX) != 0) {
-            if (!turn || errno != EINTR) return static_cast<LSTATUS>(ErrorFromErrno(errno));
-        }
-        return ERROR_SUCCESS;
-    }
-
     void Look(RegistryView& view) {
         if (!m_tree || !m_file.IsCurrent()) view.status = Refresh();
         view.tree = m_tree;
@@ -101,7 +88,6 @@ private:
         if (size >= m_shortenAt && m_file.Replace(std::move(text)) != ERROR_SUCCESS) m_shortenAt = 2 * size;
     }
 
-    const std::string m_lockPath = Home() + "/registry.lock";
     std::mutex m_mutex;
     RegistryFile m_file{Home() + "/registry.reg"};
     std::shared_ptr<RegistryTree> m_tree;  // null when the file must be read again

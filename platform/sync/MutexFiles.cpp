@@ -7,21 +7,12 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 
-#include "wnplatform/inspect.h"
+#include "platform/core/HomeLock.h"
+#include "platform/core/Trust.h"
 
 namespace wnplatform {
 namespace {
-
-// The folder that hosts keep in memory; elsewhere the one for temporary files, which is good enough: a file that
-// nobody holds open is made anew.
-std::string MemoryFolder() {
-    constexpr const char* kShared = "/dev/shm";
-    if (access(kShared, W_OK | X_OK) == 0) return kShared;
-    const char* temporary = std::getenv("TMPDIR");
-    return temporary && *temporary ? temporary : "/tmp";
-}
 
 // Letters and digits as they are, the rest in hexadecimal, so that names stay apart and can be read in the folder.
 std::string Readable(const std::string& name) {
@@ -49,67 +40,39 @@ std::string Hexadecimal(std::uint64_t value) {
     return text;
 }
 
-// Every user of the host may write to the folder, so a file there may be a stranger's: those count who own the home,
-// or who could write to it anyway.
-bool IsTrusted(int file) noexcept {
-    struct stat status;
-    struct stat home;
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || stat(Home().c_str(), &home) != 0) return false;
-    const bool shared = (home.st_mode & (S_IWGRP | S_IWOTH)) != 0;
-    return shared || status.st_uid == geteuid() || status.st_uid == home.st_uid || status.st_uid == 0;
-}
-
-bool Lock(int descriptor, int kind) noexcept {
-    while (flock(descriptor, kind) != 0) {
-        if (errno != EINTR) return false;
-    }
-    return true;
-}
-
 }  // namespace
-
-MutexFilesLock::MutexFilesLock() noexcept : m_home(open(Home().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (m_home && !Lock(m_home.Get(), LOCK_EX)) m_home = Descriptor();
-}
-
-MutexFilesLock::~MutexFilesLock() {
-    // Not left to the closing: a process that is being started may share the descriptor for a moment.
-    if (m_home) Lock(m_home.Get(), LOCK_UN);
-}
 
 std::string MutexFilePath(const std::string& name) {
     constexpr std::size_t kLongestReadable = 128;
-    struct stat home {};
-    stat(Home().c_str(), &home);
     std::string readable = Readable(name);
     if (readable.size() > kLongestReadable) {
         readable = readable.substr(0, kLongestReadable) + "~" + Hexadecimal(Hash(name));
     }
-    return MemoryFolder() + "/wncom-" + Hexadecimal(home.st_dev) + "-" + Hexadecimal(home.st_ino) + "-" + readable;
+    return LocksFolder() + "/mutex-" + readable;
 }
 
 Descriptor OpenMutexFile(const std::string& path) noexcept {
-    Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    if (file && !IsTrusted(file.Get())) {
-        errno = EACCES;
-        return {};
-    }
-    return file;
+    return Descriptor(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
 }
 
-Descriptor MakeMutexFile(const std::string& path, std::size_t bytes, bool everyone) noexcept {
+Descriptor MakeMutexFile(const std::string& path, std::size_t bytes) noexcept {
     Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file) return file;
     // The memory is taken now, so that a full host shows here and not at the first access.
     const int error = posix_fallocate(file.Get(), 0, static_cast<off_t>(bytes));
-    if (error != 0 || (everyone && fchmod(file.Get(), 0666) != 0)) {
-        unlink(path.c_str());
-        errno = error != 0 ? error : EPERM;
-        return {};
-    }
-    return file;
+    if (error == 0 && ShareWithHome(file.Get(), Others::Nothing)) return file;
+    if (error != 0) errno = error;
+    const int reason = errno;
+    unlink(path.c_str());
+    errno = reason;
+    return {};
 }
 
-bool LockMutexFile(const Descriptor& file, int kind) noexcept { return Lock(file.Get(), kind | LOCK_NB); }
+bool LockMutexFile(const Descriptor& file, int kind) noexcept {
+    while (flock(file.Get(), kind | LOCK_NB) != 0) {
+        if (errno != EINTR) return false;
+    }
+    return true;
+}
 
 }  // namespace wnplatform

@@ -2,6 +2,7 @@
 
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cerrno>
@@ -11,6 +12,7 @@
 #include <mutex>
 
 #include "platform/core/Errors.h"
+#include "platform/core/HomeLock.h"
 #include "platform/sync/MutexFiles.h"
 
 namespace wnplatform {
@@ -29,7 +31,7 @@ constexpr std::uint64_t kMark = 0x0158'5455'4D4E'5700 + sizeof(MutexPage);
 
 // The named mutexes that this process has open.
 struct OpenMutexes {
-    std::mutex lock;  // held with the lock of the files, and taken before it
+    std::mutex lock;  // held with the home's lock, and taken before it
     std::map<std::string, std::weak_ptr<MutexMemory>> byName;
 };
 
@@ -73,8 +75,8 @@ std::shared_ptr<MutexMemory> Join(const std::string& name, const std::string& pa
     return std::make_shared<MutexMemory>(std::move(page), std::move(file), path);
 }
 
-std::shared_ptr<MutexMemory> Make(const std::string& name, const std::string& path, bool everyone, bool own) {
-    Descriptor file = MakeMutexFile(path, sizeof(MutexPage), everyone);
+std::shared_ptr<MutexMemory> Make(const std::string& name, const std::string& path, bool own) {
+    Descriptor file = MakeMutexFile(path, sizeof(MutexPage));
     if (!file) return Refuse(ErrorFromErrno(errno));
     MappedPage page = LockMutexFile(file, LOCK_SH) ? Map(file.Get()) : nullptr;
     if (!page || page->mutex.Make() != 0) {
@@ -112,26 +114,25 @@ std::shared_ptr<MutexMemory> MutexMemory::Open(const std::string& name) {
     const std::scoped_lock guard(open.lock);
     std::shared_ptr<MutexMemory> memory = Known(open, name);
     if (memory) return memory;
-    const MutexFilesLock files;
-    if (!files) return Refuse(ERROR_PATH_NOT_FOUND);
+    const HomeLock files;
+    if (!files) return Refuse(files.Error());
     memory = Join(name, MutexFilePath(name));
     if (memory) Remember(open, name, memory);
     return memory;
 }
 
-std::shared_ptr<MutexMemory> MutexMemory::OpenOrMake(const std::string& name, bool everyone, bool own,
-                                                     bool& existed) {
+std::shared_ptr<MutexMemory> MutexMemory::OpenOrMake(const std::string& name, bool own, bool& existed) {
     OpenMutexes& open = TheOpenMutexes();
     const std::scoped_lock guard(open.lock);
     std::shared_ptr<MutexMemory> memory = Known(open, name);
     existed = memory != nullptr;
     if (memory) return memory;
-    const MutexFilesLock files;
-    if (!files) return Refuse(ERROR_PATH_NOT_FOUND);
+    const HomeLock files;
+    if (!files) return Refuse(files.Error());
     const std::string path = MutexFilePath(name);
     memory = Join(name, path);
     existed = memory != nullptr;
-    if (!memory && GetLastError() == ERROR_FILE_NOT_FOUND) memory = Make(name, path, everyone, own);
+    if (!memory && GetLastError() == ERROR_FILE_NOT_FOUND) memory = Make(name, path, own);
     if (memory) Remember(open, name, memory);
     return memory;
 }
@@ -144,8 +145,8 @@ MutexMemory::~MutexMemory() {
     if (m_page->mutex.IsOwnedHere()) m_page.release();
     // A forked process shares the lock with the one that took it, and must not give it up for both.
     if (!m_file || !IsOfThisProcess()) return;
-    const MutexFilesLock files;
-    if (LockMutexFile(m_file, LOCK_EX)) unlink(m_path.c_str());
+    const HomeLock files;
+    if (files && LockMutexFile(m_file, LOCK_EX)) unlink(m_path.c_str());
     // A page that stays would keep the lock as well.
     LockMutexFile(m_file, LOCK_UN);
 }

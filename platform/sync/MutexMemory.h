@@ -25,7 +25,7 @@ public:
     // OpenOrMake makes it where there is none, owned by the calling thread if so asked, and tells in existed which of
     // both it did. Null with the last error set.
     static std::shared_ptr<MutexMemory> Open(const std::string& name);
-    static std::shared_ptr<MutexMemory> OpenOrMake(const std::string& name, bool everyone, bool own, bool& existed);
+    static std::shared_ptr<MutexMemory> OpenOrMake(const std::string& name, bool own, bool& existed);
 
     MutexMemory(MappedPage page, Descriptor file, std::string path) noexcept;
     MutexMemory(const MutexMemory&) = delete;

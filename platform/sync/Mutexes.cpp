@@ -5,7 +5,6 @@
 #include "platform/core/Guarded.h"
 #include "platform/core/Handles.h"
 #include "platform/sync/MutexMemory.h"
-#include "platform/sync/Security.h"
 
 namespace wnplatform {
 namespace {
@@ -57,11 +56,11 @@ HANDLE CreatePrivate(bool own) {
     return handle;
 }
 
-HANDLE CreateNamed(const char* given, bool everyone, bool own) {
+HANDLE CreateNamed(const char* given, bool own) {
     std::string name;
     if (const DWORD error = ReadName(given, name)) return NoMutex(error);
     bool existed = false;
-    std::shared_ptr<MutexMemory> memory = MutexMemory::OpenOrMake(name, everyone, own, existed);
+    std::shared_ptr<MutexMemory> memory = MutexMemory::OpenOrMake(name, own, existed);
     if (!memory) return nullptr;
     const HANDLE handle = AddObject(std::make_unique<MutexObject>(std::move(memory), true));
     SetLastError(existed ? ERROR_ALREADY_EXISTS : NO_ERROR);
@@ -73,10 +72,10 @@ HANDLE CreateNamed(const char* given, bool everyone, bool own) {
 
 using wnplatform::Guarded;
 
-HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name) {
+HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES, BOOL initialOwner, LPCSTR name) {
     return Guarded(HANDLE{nullptr}, [&] {
         if (!name || !*name) return wnplatform::CreatePrivate(initialOwner != FALSE);
-        return wnplatform::CreateNamed(name, wnplatform::EveryoneMayOpen(security), initialOwner != FALSE);
+        return wnplatform::CreateNamed(name, initialOwner != FALSE);
     });
 }
 

@@ -3,7 +3,7 @@
 # The modules that the tests load and the classes in them.
 wncom_add_module(
     platform_server
-    EXPORTS DllGetClassObject DllCanUnloadNow Answer
+    EXPORTS DllGetClassObject DllCanUnloadNow Answer DuringCreation
     SOURCES modules/server.cpp
 )
 wncom_add_module(platform_refusing EXPORTS Answer SOURCES modules/refusing.cpp)
@@ -28,7 +28,7 @@ if(NOT WIN32)
     add_dependencies(platform_core_test platform_throwing)
     target_sources(
         platform_core_test
-        PRIVATE com/guids_linux_test.cpp
+        PRIVATE com/com_linux_test.cpp
                 core/errors_linux_test.cpp
                 files/paths_linux_test.cpp
                 processes/modules_linux_test.cpp

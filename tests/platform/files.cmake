@@ -26,6 +26,7 @@ if(NOT WIN32)
     target_sources(
         platform_files_test
         PRIVATE core/time_linux_test.cpp
+                core/trust_linux_test.cpp
                 files/files_linux_test.cpp
                 files/ini_files_linux_test.cpp
                 processes/debug_output_linux_test.cpp

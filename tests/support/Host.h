@@ -25,6 +25,9 @@ void SetEnvironment(const char* name, const char* value);
 // From now on, what the process sends to the debugger is appended to this file.
 void CaptureDebugOutput(const std::string& path);
 
+// Ends a child of this process at once, as a crash would. It must not have been waited for yet.
+void KillProcess(unsigned long id);
+
 // Where the host keeps the file that programs see at this path.
 std::string HostPath(const std::string& path);
 

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 
@@ -27,6 +28,8 @@ void SetEnvironment(const char* name, const char* value) {
 }
 
 void CaptureDebugOutput(const std::string& path) { SetEnvironment("WNCOM_DEBUG_OUTPUT", path.c_str()); }
+
+void KillProcess(unsigned long id) { kill(static_cast<pid_t>(id), SIGKILL); }
 
 std::string HostPath(const std::string& path) { return wnplatform::HostPath(path.c_str()); }
 

@@ -111,6 +111,12 @@ void CaptureDebugOutput(const std::string& path) {
     g_debugOutput = path;
 }
 
+void KillProcess(unsigned long id) {
+    const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, id);
+    TerminateProcess(process, 1);
+    CloseHandle(process);
+}
+
 std::string HostPath(const std::string& path) { return path; }
 
 long LiveTexts() { return 0; }

@@ -69,24 +69,4 @@ TEST(Errors, NeedRoomForTheirText) {
     EXPECT_EQ(length, std::strlen(large));
 }
 
-TEST(CriticalSections, MayBeEnteredAgainByTheirThreadAndKeepOthersOut) {
-    CRITICAL_SECTION section;
-    InitializeCriticalSection(&section);
-    int counter = 0;
-    const auto work = [&] {
-        for (int i = 0; i < 1000; ++i) {
-            EnterCriticalSection(&section);
-            EnterCriticalSection(&section);
-            ++counter;
-            LeaveCriticalSection(&section);
-            LeaveCriticalSection(&section);
-        }
-    };
-    std::thread first(work), second(work);
-    first.join();
-    second.join();
-    EXPECT_EQ(counter, 2000);
-    DeleteCriticalSection(&section);
-}
-
 }  // namespace

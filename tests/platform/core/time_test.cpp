@@ -13,12 +13,5 @@ TEST(LocalTime, IsAMomentOfThisCentury) {
     EXPECT_LT(now.wHour, 24);
 }
 
-TEST(TickCount, PassesWithTime) {
-    const DWORD start = GetTickCount();
-    Sleep(20);
-    EXPECT_GE(GetTickCount() - start, 15U);
-    EXPECT_LT(GetTickCount() - start, 60'000U);
-}
-
 }  // namespace
 }  // namespace wncom::test

@@ -13,14 +13,8 @@
 namespace wncom::test {
 namespace {
 
-HANDLE Open(const std::string& path, DWORD access, SECURITY_ATTRIBUTES* security = nullptr) {
-    return CreateFileA(path.c_str(), access, 0, security, OPEN_ALWAYS, 0, nullptr);
-}
-
-mode_t ModeOf(const std::string& path) {
-    struct stat status {};
-    stat(path.c_str(), &status);
-    return status.st_mode & 0777;
+HANDLE Open(const std::string& path, DWORD access) {
+    return CreateFileA(path.c_str(), access, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
 }
 
 TEST(FilesOnLinux, AFullDiskIsTold) {
@@ -61,20 +55,6 @@ TEST(FilesOnLinux, APipeWithoutReaderFailsTheWriteAndNotTheProcess) {
     EXPECT_FALSE(WriteFile(pipe, "x", 1, &written, nullptr));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_DATA});
     EXPECT_TRUE(CloseHandle(pipe));
-}
-
-TEST(FilesOnLinux, ANullAccessListOpensANewFileToEveryone) {
-    const mode_t mask = umask(0077);
-    SECURITY_DESCRIPTOR descriptor;
-    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
-    SECURITY_ATTRIBUTES everyone{sizeof(everyone), &descriptor, TRUE};
-    EXPECT_TRUE(CloseHandle(Open(InHome("everyone"), GENERIC_WRITE, &everyone)));
-    EXPECT_TRUE(CloseHandle(Open(InHome("mine"), GENERIC_WRITE)));
-    EXPECT_TRUE(CloseHandle(Open(InHome("mine"), GENERIC_WRITE, &everyone)));
-    umask(mask);
-    EXPECT_EQ(ModeOf(InHome("everyone")), 0666U);
-    EXPECT_EQ(ModeOf(InHome("mine")), 0600U);
 }
 
 TEST(FilesOnLinux, ALinkToNothingIsRefusedInTheEnd) {

@@ -13,13 +13,19 @@ HINSTANCE g_module = nullptr;
 
 constexpr CLSID kClass{0x1B1F5C1E, 0x0C57, 0x4B0E, {0x9A, 0x5B, 0x2A, 0x63, 0x11, 0x7E, 0x40, 0x01}};
 
-template <class Interface>
-class Counted : public Interface {
+class Object final : public IUnknown {
 public:
-    Counted() { ++g_objects; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
+    Object() { ++g_objects; }
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
 
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        *object = nullptr;
+        if (!IsEqualIID(iid, IID_IUnknown)) return E_NOINTERFACE;
+        AddRef();
+        *object = this;
+        return S_OK;
+    }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = --m_references;
@@ -27,34 +33,26 @@ public:
         return left;
     }
 
-protected:
-    virtual ~Counted() { --g_objects; }
-
-    HRESULT Query(REFIID own, REFIID iid, void** object) {
-        *object = nullptr;
-        if (!IsEqualIID(iid, IID_IUnknown) && !IsEqualIID(iid, own)) return E_NOINTERFACE;
-        AddRef();
-        *object = static_cast<Interface*>(this);
-        return S_OK;
-    }
-
 private:
+    ~Object() { --g_objects; }
+
     std::atomic<ULONG> m_references{1};
 };
 
-class Object final : public Counted<IUnknown> {
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        return Query(IID_IUnknown, iid, object);
-    }
-};
+void (*g_duringCreation)() = nullptr;
 
-class Factory final : public Counted<IClassFactory> {
+// Lives as long as the module, and is no lock on it.
+class Factory final : public IClassFactory {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        return Query(IID_IClassFactory, iid, object);
+        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory);
+        *object = known ? this : nullptr;
+        return known ? S_OK : E_NOINTERFACE;
     }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
+        if (g_duringCreation) g_duringCreation();
         if (outer) return CLASS_E_NOAGGREGATION;
         auto* made = new (std::nothrow) Object;
         if (!made) return E_OUTOFMEMORY;
@@ -67,6 +65,7 @@ public:
         return S_OK;
     }
 };
+Factory g_factory;
 
 }  // namespace
 
@@ -78,14 +77,13 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
     if (!IsEqualCLSID(clsid, kClass)) return CLASS_E_CLASSNOTAVAILABLE;
-    auto* factory = new (std::nothrow) Factory;
-    if (!factory) return E_OUTOFMEMORY;
-    const HRESULT hr = factory->QueryInterface(iid, object);
-    factory->Release();
-    return hr;
+    return g_factory.QueryInterface(iid, object);
 }
 
 STDAPI DllCanUnloadNow() { return g_objects == 0 ? S_OK : S_FALSE; }
 
 // The handle that the module was started with.
 extern "C" HINSTANCE Answer() { return g_module; }
+
+// What is called in the middle of a creation, null for nothing.
+extern "C" void DuringCreation(void (*call)()) { g_duringCreation = call; }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/Host.h"
 #include "tests/support/TestHome.h"
 
 namespace wncom::test {
@@ -31,7 +32,8 @@ Peer::~Peer() {
 }
 
 void Peer::Kill() {
-    TerminateProcess(m_process, 1);
+    // The id of one that has ended and was waited for may be another's by now.
+    if (WaitForSingleObject(m_process, 0) == WAIT_TIMEOUT) KillProcess(m_id);
     WaitForSingleObject(m_process, INFINITE);
 }
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <string>
@@ -14,28 +13,23 @@
 namespace wncom::test {
 namespace {
 
-// The files in memory whose names hold a mutex's name.
-std::ptrdiff_t FilesNamed(const std::string& name) {
-    const std::filesystem::directory_iterator files("/dev/shm");
-    return std::count_if(begin(files), end(files), [&name](const auto& entry) {
-        return entry.path().filename().string().find(name) != std::string::npos;
-    });
-}
+constexpr char kName[] = "wncom file";
 
-std::string Name() { return "wncom-file-" + HomePath().substr(HomePath().size() - 6); }
+std::string FilePath() { return InHome("locks/mutex-wncom%20file"); }
+bool FileExists() { return std::filesystem::exists(FilePath()); }
 
 TEST(MutexesOnLinux, LeaveNoFileBehind) {
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, Name().c_str());
-    EXPECT_EQ(FilesNamed(Name()), 1);
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
+    EXPECT_TRUE(FileExists());
     EXPECT_TRUE(CloseHandle(mutex));
-    EXPECT_EQ(FilesNamed(Name()), 0);
-    const HANDLE owned = CreateMutexA(nullptr, TRUE, Name().c_str());
+    EXPECT_FALSE(FileExists());
+    const HANDLE owned = CreateMutexA(nullptr, TRUE, kName);
     EXPECT_TRUE(CloseHandle(owned));
-    EXPECT_EQ(FilesNamed(Name()), 0);
+    EXPECT_FALSE(FileExists());
 }
 
 TEST(MutexesOnLinux, OfAForkedAndKilledProcessAreAbandoned) {
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, Name().c_str());
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
     const pid_t child = fork();
     if (child == 0) {
         WaitForSingleObject(mutex, INFINITE);
@@ -49,32 +43,28 @@ TEST(MutexesOnLinux, OfAForkedAndKilledProcessAreAbandoned) {
 }
 
 TEST(MutexesOnLinux, AForkedProcessThatClosesLeavesThemOpenForTheOther) {
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, Name().c_str());
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
     const pid_t child = fork();
     if (child == 0) {
         CloseHandle(mutex);
         _exit(0);
     }
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    Peer peer("own \"" + Name() + "\" \"" + InHome("ready") + "\" 60000");
+    Peer peer(std::string("own \"") + kName + "\" \"" + InHome("ready") + "\" 60000");
     AwaitFile(InHome("ready"));
     EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_TIMEOUT);
     // Whoever is killed leaves the file to those that hold the mutex open.
     peer.Kill();
     EXPECT_TRUE(CloseHandle(mutex));
-    EXPECT_EQ(FilesNamed(Name()), 0);
+    EXPECT_FALSE(FileExists());
 }
 
 TEST(MutexesOnLinux, AFileLeftBehindUnfinishedIsMadeAnew) {
-    const HANDLE mutex = CreateMutexA(nullptr, FALSE, Name().c_str());
-    std::string path;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
-        if (entry.path().string().find(Name()) != std::string::npos) path = entry.path().string();
-    }
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
     EXPECT_TRUE(CloseHandle(mutex));
     // Left behind by a process that was killed before it was done.
-    WriteWholeFile(path, "short");
-    const HANDLE again = CreateMutexA(nullptr, FALSE, Name().c_str());
+    WriteWholeFile(FilePath(), "short");
+    const HANDLE again = CreateMutexA(nullptr, FALSE, kName);
     EXPECT_EQ(GetLastError(), DWORD{NO_ERROR});
     EXPECT_EQ(WaitForSingleObject(again, 0), WAIT_OBJECT_0);
     EXPECT_TRUE(ReleaseMutex(again));
