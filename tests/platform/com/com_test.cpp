@@ -6,6 +6,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -207,7 +208,7 @@ TEST(Guids, OfTheSystemAreTheSystems) {
     for (const auto& each : cases) {
         OLECHAR text[39];
         ASSERT_EQ(StringFromGUID2(each.guid, text, 39), 39);
-        EXPECT_EQ(wcscmp(text, each.text), 0);
+        EXPECT_EQ(std::basic_string_view<OLECHAR>(text), each.text);
     }
 }
 
