@@ -20,7 +20,10 @@ if(NOT WIN32)
         # A unique symbol would pin its module in the process for good.
         target_compile_options(wncom_options INTERFACE -fno-gnu-unique -Wsuggest-override)
     endif()
-    target_link_options(wncom_options INTERFACE -Wl,--no-undefined)
+    # clang leaves its sanitizers' functions to the program.
+    if(NOT (WNCOM_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang"))
+        target_link_options(wncom_options INTERFACE -Wl,--no-undefined)
+    endif()
 else()
     # Windows' own prototypes cast functions to and from FARPROC.
     target_compile_options(wncom_options INTERFACE -Wno-cast-function-type)
