@@ -53,7 +53,7 @@ TEST(Files, TellWhatTheyFoundAndKeepOrCutIt) {
         const HANDLE absent = Open(InHome("absent.txt"), each.disposition);
         EXPECT_EQ(GetLastError(), each.errorAbsent);
         EXPECT_EQ(absent != INVALID_HANDLE_VALUE, each.opensAbsent);
-        if (each.opensAbsent) EXPECT_TRUE(CloseHandle(absent));
+        if (absent != INVALID_HANDLE_VALUE) CloseHandle(absent);
         DeleteFileA(InHome("absent.txt").c_str());
 
         WriteWholeFile(InHome("present.txt"), "text");
