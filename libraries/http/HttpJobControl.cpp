@@ -13,9 +13,8 @@ namespace {
 
 constexpr const char* kXml = "application/xml";
 
-[[noreturn]] void NotOffered(const char* operation) {
-    Log(2, "HttpJobControl::%s is not offered by this transport", operation);
-    throw std::runtime_error(std::string(operation) + " is not offered by this transport");
+void RefuseUnoffered(const char* operation) {
+    Logged(operation, [] { throw std::runtime_error("this transport does not offer the operation"); });
 }
 
 }  // namespace
@@ -47,7 +46,7 @@ CString HttpJobControl::SubmitJob(CString intentTicket, int) {
 
 void HttpJobControl::SetSessionID(CString sessionId) {
     Logged("SetSessionID", [&] {
-        if (!sessionId.empty() && !IsPlainId(sessionId)) throw std::invalid_argument("the text is no session id");
+        if (!sessionId.empty() && !IsPlainId(sessionId)) throw std::invalid_argument("invalid session id");
         m_session = sessionId.c_str();
     });
 }
@@ -59,7 +58,7 @@ CString HttpJobControl::StartSession() {
         if (!m_session.empty()) call.headers.push_back(SessionHeader());
         call.answerType = "text/plain";
         const std::string id = Client().Send(call);
-        if (!IsPlainId(id)) throw std::runtime_error("the device gave no session id");
+        if (!IsPlainId(id)) throw std::runtime_error("the device gave an invalid session id");
         m_session = id;
         return CString(std::string_view(id));
     });
@@ -73,9 +72,9 @@ void HttpJobControl::EndSession() {
     });
 }
 
-void HttpJobControl::Reserved2() { NotOffered("Reserved2"); }
-void HttpJobControl::Reserved3() { NotOffered("Reserved3"); }
-void HttpJobControl::Reserved4() { NotOffered("Reserved4"); }
+void HttpJobControl::Reserved2() { RefuseUnoffered("Reserved2"); }
+void HttpJobControl::Reserved3() { RefuseUnoffered("Reserved3"); }
+void HttpJobControl::Reserved4() { RefuseUnoffered("Reserved4"); }
 
 const HttpClient& HttpJobControl::Client() const {
     if (!m_client) throw std::runtime_error("the object has no service address");

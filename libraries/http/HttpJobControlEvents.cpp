@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMostNames = 1'000'000;
 
 std::string SubscriptionPath(const CString& id) {
-    if (!IsPlainId(id)) throw std::invalid_argument("the text is no subscription id");
+    if (!IsPlainId(id)) throw std::invalid_argument("invalid subscription id");
     return std::string("/subscriptions/") + id.c_str();
 }
 
@@ -29,8 +29,8 @@ std::vector<CString> NamesIn(std::string_view lines) {
         lines.remove_prefix(std::min(end + 1, lines.size()));
         if (!name.empty() && name.back() == '\r') name.remove_suffix(1);
         if (name.empty()) continue;
-        if (!IsPlainId(name)) throw std::runtime_error("the device gave a name that is none");
-        if (names.size() == kMostNames) throw std::runtime_error("the device gave more names than are taken");
+        if (!IsPlainId(name)) throw std::runtime_error("the device gave an invalid name");
+        if (names.size() == kMostNames) throw std::runtime_error("the device gave too many names");
         names.emplace_back(name);
     }
     return names;
@@ -61,7 +61,7 @@ CString HttpJobControl::Subscribe(CString subscriptionInfo, CString filterProper
         Call call = DocumentCall("/subscriptions", request, RequestIdHeader());
         call.answerType = "text/plain";
         const std::string id = Client().Send(call);
-        if (!IsPlainId(id)) throw std::runtime_error("the device gave no subscription id");
+        if (!IsPlainId(id)) throw std::runtime_error("the device gave an invalid subscription id");
         return CString(std::string_view(id));
     });
 }
@@ -76,7 +76,7 @@ RemoteArray* HttpJobControl::GetSupportedEvents() {
 
 RemoteArray* HttpJobControl::GetEventProperties(CString eventName) {
     return Logged("GetEventProperties", [&] {
-        if (!IsPlainId(eventName)) throw std::invalid_argument("the text is no event name");
+        if (!IsPlainId(eventName)) throw std::invalid_argument("invalid event name");
         return NewList(NamesIn(Client().Send(ListCall(std::string("/events/") + eventName.c_str()))));
     });
 }

@@ -8,7 +8,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "libraries/http/WireText.h"
+#include "common/CodePageText.h"
 
 namespace wncom::http {
 namespace {
@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t kLongestId = 128;
 
 // Sentences come with a line end, which is no part of them.
-std::basic_string<WCHAR> SlotText(std::string_view text) {
-    return WireToWide(text.substr(0, text.find_last_not_of(" \r\n") + 1));
+WideText SlotText(std::string_view text) {
+    return Widen(CP_UTF8, text.substr(0, text.find_last_not_of(" \r\n") + 1));
 }
 
 }  // namespace
@@ -30,7 +30,7 @@ bool IsPlainId(std::string_view text) noexcept {
 
 std::string RequestIdHeader() {
     GUID guid;
-    if (FAILED(CoCreateGuid(&guid))) throw std::runtime_error("no request id is to be had");
+    if (FAILED(CoCreateGuid(&guid))) throw std::runtime_error("cannot create a request id");
     std::string header = "Request-Id: ";
     const auto* const bytes = reinterpret_cast<const unsigned char*>(&guid);
     for (std::size_t i = 0; i < sizeof(guid); ++i) {
@@ -43,7 +43,7 @@ std::string RequestIdHeader() {
 void StoreText(BSTR* slot, std::string_view text) noexcept {
     if (!slot) return;
     try {
-        const std::basic_string<WCHAR> wide = SlotText(text);
+        const WideText wide = SlotText(text);
         if (!wide.empty()) *slot = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
     } catch (const std::bad_alloc&) {
         // The caller learns of the failure all the same, without its reason.
@@ -53,7 +53,7 @@ void StoreText(BSTR* slot, std::string_view text) noexcept {
 void StoreText(MallocSlot slot, std::string_view text) noexcept {
     if (!slot.place) return;
     try {
-        const std::basic_string<WCHAR> wide = SlotText(text);
+        const WideText wide = SlotText(text);
         const std::size_t bytes = (wide.size() + 1) * sizeof(WCHAR);
         auto* const copy = wide.empty() ? nullptr : static_cast<WCHAR*>(std::malloc(bytes));
         if (copy) *slot.place = static_cast<WCHAR*>(std::memcpy(copy, wide.c_str(), bytes));

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "libraries/http/FailureReason.h"
 #include "libraries/http/HttpClient.h"
 #include "wncom/Logging.h"
 
@@ -30,13 +31,16 @@ struct MallocSlot {
 };
 void StoreText(MallocSlot slot, std::string_view text) noexcept;
 
-// Runs an operation's body; its failure is logged here, because the caller catches it unexamined.
+// Runs an operation's body. Why it fails is logged and left for the client here, because the caller catches it
+// unexamined; a reason that an earlier operation left is gone.
 template <class Body>
 auto Logged(const char* operation, Body body) {
+    SetFailureReason({});
     try {
         return body();
     } catch (const std::exception& failure) {
         Log(1, "HttpJobControl::%s failed: %s", operation, failure.what());
+        SetFailureReason(failure.what());
         throw;
     }
 }

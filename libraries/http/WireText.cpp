@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
+
+#include "common/CodePageText.h"
 
 namespace wncom::http {
 namespace {
@@ -27,33 +30,6 @@ void AppendReference(std::string& text, std::uint32_t character) {
     text.append("&#").append(std::to_string(character)).append(";");
 }
 
-// One UTF-16 unit in the narrow code page; false when the page lacks it.
-bool AppendNarrow(std::string& text, WCHAR unit) {
-    char bytes[8];
-    BOOL replaced = FALSE;
-    const int count =
-        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, &unit, 1, bytes, sizeof(bytes), nullptr, &replaced);
-    if (count <= 0 || replaced) return false;
-    text.append(bytes, static_cast<std::size_t>(count));
-    return true;
-}
-
-// Empty when the text is, or is not of the code page and the flags refuse that.
-std::basic_string<WCHAR> Widen(UINT codePage, DWORD flags, std::string_view text) {
-    const int bytes = static_cast<int>(text.size());
-    const int units = MultiByteToWideChar(codePage, flags, text.data(), bytes, nullptr, 0);
-    if (units <= 0) return {};
-    std::basic_string<WCHAR> wide(static_cast<std::size_t>(units), WCHAR{});
-    MultiByteToWideChar(codePage, flags, text.data(), bytes, wide.data(), units);
-    return wide;
-}
-
-std::basic_string<WCHAR> Decode(std::string_view text) {
-    std::basic_string<WCHAR> wide = Widen(CP_UTF8, MB_ERR_INVALID_CHARS, text);
-    if (wide.empty()) throw std::runtime_error("the answer is no UTF-8");
-    return wide;
-}
-
 }  // namespace
 
 std::string ToWire(std::string_view text) {
@@ -76,16 +52,7 @@ std::string ToWire(std::string_view text) {
     return wire;
 }
 
-std::string NarrowToWire(std::string_view text) {
-    const std::basic_string<WCHAR> wide = Widen(CP_THREAD_ACP, 0, text);
-    const int units = static_cast<int>(wide.size());
-    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string wire(static_cast<std::size_t>(std::max(bytes, 0)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, wire.data(), bytes, nullptr, nullptr);
-    return wire;
-}
-
-std::basic_string<WCHAR> WireToWide(std::string_view text) { return Widen(CP_UTF8, 0, text); }
+std::string NarrowToWire(std::string_view text) { return Narrow(CP_UTF8, Widen(CP_THREAD_ACP, text)); }
 
 std::string XmlElement(const char* name, std::string_view text) {
     std::string element = std::string("<") + name + ">";
@@ -114,8 +81,10 @@ std::string XmlFromWire(std::string answer) {
     if (answer.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) answer.erase(0, kByteOrderMark.size());
     const bool plain = std::all_of(answer.begin(), answer.end(), [](char c) { return (c & 0x80) == 0; });
     if (plain) return answer;
-    const std::basic_string<WCHAR> wide = Decode(answer);
+    const std::optional<WideText> decoded = WidenExactly(CP_UTF8, answer);
+    if (!decoded) throw std::runtime_error("the answer is not UTF-8");
     if (GetACP() == CP_UTF8) return answer;
+    const WideText& wide = *decoded;
     std::string narrow;
     narrow.reserve(wide.size());
     for (std::size_t i = 0; i < wide.size(); ++i) {
@@ -126,7 +95,9 @@ std::string XmlFromWire(std::string answer) {
             // Decoded from UTF-8, so its other half follows.
             const std::uint32_t other = wide[++i];
             AppendReference(narrow, 0x10000u + ((unit - 0xD800u) << 10) + (other - 0xDC00u));
-        } else if (!AppendNarrow(narrow, wide[i])) {
+        } else if (const auto bytes = NarrowExactly(CP_ACP, WideView(&wide[i], 1))) {
+            narrow += *bytes;
+        } else {
             AppendReference(narrow, unit);
         }
     }

@@ -1,8 +1,6 @@
 // Texts between the bridge, which reads answers in the system's narrow code page, and a device, which speaks UTF-8.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 #include <string_view>
 
@@ -15,14 +13,11 @@ std::string ToWire(std::string_view text);
 // A text in the thread's narrow code page, which is how some arrive, as UTF-8.
 std::string NarrowToWire(std::string_view text);
 
-// UTF-8 as UTF-16; what is no UTF-8 becomes replacement characters.
-std::basic_string<WCHAR> WireToWide(std::string_view text);
-
 // One XML element with a text, which is escaped.
 std::string XmlElement(const char* name, std::string_view text);
 
 // An XML answer for the bridge. A character that the narrow code page lacks becomes a numeric character reference,
-// which means the same in element and attribute values. Throws std::runtime_error when the answer is no UTF-8.
+// which means the same in element and attribute values. Throws std::runtime_error when the answer is not UTF-8.
 std::string XmlFromWire(std::string answer);
 
 }  // namespace wncom::http
