@@ -4,15 +4,21 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <oleauto.h>
+
 #include <memory>
 #include <stdexcept>
 #include <string>
 
+#include "common/CodePageText.h"
+#include "common/OpenKey.h"
+#include "tests/support/Contains.h"
 #include "tests/support/DeviceProcess.h"
 #include "tests/support/ElementText.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestHome.h"
 #include "wncom/Bstr.h"
+#include "wncom/CPComPtr.h"
 #include "wncom/RmtJobControl.h"
 
 namespace wncom::test {
@@ -28,7 +34,10 @@ protected:
     using Object = std::unique_ptr<RmtJobControl, Unmaker>;
 
     void SetUp() override { Load(); }
-    void TearDown() override { Unload(); }
+    void TearDown() override {
+        Unload();
+        RegDeleteTreeA(HKEY_LOCAL_MACHINE, kSettings);
+    }
 
     void Load() {
         m_module = LoadLibraryA((ProgramFolder() + "/wnHttpTransport.dll").c_str());
@@ -58,11 +67,9 @@ protected:
     void Unmake(RmtJobControl* object) { m_unmake(object); }
 
     static void Set(const char* name, DWORD type, const void* data, DWORD bytes) {
-        HKEY key = nullptr;
-        RegCreateKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quillbeck\\QBNorvel\\HttpTransport", 0, nullptr, 0, KEY_WRITE,
-                        nullptr, &key, nullptr);
-        RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), bytes);
-        RegCloseKey(key);
+        OpenKey key;
+        key.Create(HKEY_LOCAL_MACHINE, kSettings);
+        RegSetValueExA(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
     }
     static void SetNumber(const char* name, DWORD value) { Set(name, REG_DWORD, &value, sizeof(value)); }
 
@@ -77,7 +84,22 @@ protected:
         return "none";
     }
 
+    // The reason that an operation left for the client, which this takes away; "none" when there is none.
+    static std::string ReasonLeft() {
+        CPComPtr<IErrorInfo> info;
+        Bstr description;
+        Bstr source;
+        if (GetErrorInfo(0, info.put()) != S_OK || FAILED(info->GetDescription(description.put())) ||
+            FAILED(info->GetSource(source.put()))) {
+            return "none";
+        }
+        EXPECT_EQ(Narrow(CP_UTF8, source.view()), "wnHttpTransport");
+        return Narrow(CP_UTF8, description.view());
+    }
+
 private:
+    static constexpr const char* kSettings = "SOFTWARE\\Quillbeck\\QBNorvel\\HttpTransport";
+
     template <class Function>
     Function Entry(const char* name) const {
         return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(m_module, name)));
@@ -92,13 +114,7 @@ private:
 class ExceptionSlot {
 public:
     BSTR* operator&() { return m_text.put(); }
-    std::string Text() const {
-        const int units = static_cast<int>(m_text.length());
-        const int bytes = WideCharToMultiByte(CP_UTF8, 0, m_text.get(), units, nullptr, 0, nullptr, nullptr);
-        std::string text(static_cast<std::size_t>(bytes), '\0');
-        WideCharToMultiByte(CP_UTF8, 0, m_text.get(), units, text.data(), bytes, nullptr, nullptr);
-        return text;
-    }
+    std::string Text() const { return Narrow(CP_UTF8, m_text.view()); }
 
 private:
     Bstr m_text;

@@ -1,7 +1,7 @@
 // A subscription's way from the client to the device, and the events' way to the consumer.
-#include "tests/libraries/EventConsumer.h"
 #include "tests/road/RoadFixture.h"
 #include "tests/support/ElementText.h"
+#include "tests/support/EventConsumer.h"
 
 namespace wncom::test {
 namespace {

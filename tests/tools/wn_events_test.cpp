@@ -1,8 +1,8 @@
 // wn events, with the real modules and a real device service.
 #include <nlohmann/json.hpp>
 
-#include "tests/libraries/EventConsumer.h"
 #include "tests/support/DeviceProcess.h"
+#include "tests/support/EventConsumer.h"
 #include "tests/tools/WnFixture.h"
 
 namespace wncom::test {
@@ -60,7 +60,7 @@ TEST_F(WnEventsTest, SubscriptionOfTheSampleIsRenewedAndCancelled) {
                   "The subscription " + id + " was not cancelled at " + device.Address() +
                       ": The operation failed for a reason that was not given (0x80004005). There is no such "
                       "subscription");
-    ExpectRefusal(Events(device, {"renew", "not an id"}), 1, "the text is no subscription id");
+    ExpectRefusal(Events(device, {"renew", "not an id"}), 1, "invalid subscription id");
 }
 
 TEST_F(WnEventsTest, SubscriptionByOptionsGetsWhatItAsksFor) {
@@ -84,7 +84,8 @@ TEST_F(WnEventsTest, RefusedSubscriptionShowsTheWordsOfTheService) {
     const std::string consumer = "http://127.0.0.1:1/";
     ExpectRefusal(Events(device, {"subscribe", "--event", "nothing", "--consumer", consumer}), 1,
                   "There is no such event: nothing");
-    ExpectRefusal(Events(device, {"subscribe", "--consumer", "http://192.0.2.1/"}), 1, "no http address on loopback");
+    ExpectRefusal(Events(device, {"subscribe", "--consumer", "http://192.0.2.1/"}), 1,
+                  "not an http address on loopback");
     ExpectRefusal(Events(device, {"subscribe"}), 2, "Give either FILE or --consumer");
     ExpectRefusal(Events(device, {"subscribe", "a.xml", "--event", "jobAccepted"}), 2, "FILE excludes --event");
 }

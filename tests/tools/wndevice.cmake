@@ -5,5 +5,8 @@ wncom_add_test(
     DEPENDS
     wndevice
     SOURCES
-    wndevice_test.cpp
+    wndevice/wndevice_data_test.cpp
+    wndevice/wndevice_events_test.cpp
+    wndevice/wndevice_hostile_test.cpp
+    wndevice/wndevice_test.cpp
 )

@@ -5,6 +5,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "tools/wndevice/XmlPaths.h"
+
 namespace wndevice {
 namespace {
 
@@ -45,16 +47,9 @@ bool IsReadOnly(xmlNode* node) {
     return false;
 }
 
-bool HoldsElements(const xmlNode& node) {
-    for (const xmlNode* child = node.children; child; child = child->next) {
-        if (child->type == XML_ELEMENT_NODE) return true;
-    }
-    return false;
-}
-
 // The one node whose value a path names. Throws std::invalid_argument with a reason when there is none to be set.
 xmlNode& Target(const XmlPaths& paths, const std::string& path) {
-    const XmlPathResult found = paths.Find(path);
+    const XPathResult found = paths.Find(path);
     if (found->type != XPATH_NODESET) throw std::invalid_argument("The path selects no node");
     const int count = found->nodesetval ? found->nodesetval->nodeNr : 0;
     if (count != 1) throw std::invalid_argument("The path selects " + std::to_string(count) + " nodes, not one");
@@ -62,8 +57,8 @@ xmlNode& Target(const XmlPaths& paths, const std::string& path) {
     if (node.type != XML_ELEMENT_NODE && node.type != XML_ATTRIBUTE_NODE) {
         throw std::invalid_argument("The path selects neither an element nor an attribute");
     }
-    if (node.type == XML_ELEMENT_NODE && HoldsElements(node)) {
-        throw std::invalid_argument("The element holds others, not a value");
+    if (node.type == XML_ELEMENT_NODE && xmlFirstElementChild(&node)) {
+        throw std::invalid_argument("The element contains other elements, not a value");
     }
     if (IsReadOnly(&node)) throw std::invalid_argument("The value is read-only");
     return node;
@@ -79,18 +74,18 @@ void SetValue(xmlNode& node, const std::string& value) {
     xmlNodeAddContent(&node, ToXml(value));
 }
 
-void AddValue(xmlNode& parent, const std::string& value) {
-    if (!xmlNewTextChild(&parent, nullptr, ToXml("value"), ToXml(value))) throw std::bad_alloc();
-}
-
 // A namespace is no node in libxml2 and a document has no copy: neither can be asked for by xmlDocCopyNode.
 void AddNode(xmlNode& parent, xmlNode& node) {
     xmlNode* const whole =
         node.type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(reinterpret_cast<xmlDoc*>(&node)) : &node;
     if (whole->type == XML_NAMESPACE_DECL) {
-        return AddValue(parent, FromXml(reinterpret_cast<xmlNs*>(whole)->href));
+        AddElement(parent, "value", FromXml(reinterpret_cast<xmlNs*>(whole)->href));
+        return;
     }
-    if (whole->type != XML_ELEMENT_NODE) return AddValue(parent, ContentOf(*whole));
+    if (whole->type != XML_ELEMENT_NODE) {
+        AddElement(parent, "value", ContentOf(*whole));
+        return;
+    }
     xmlNode* const copy = xmlDocCopyNode(whole, parent.doc, 1);
     if (!copy || !xmlAddChild(&parent, copy)) throw std::bad_alloc();
 }
@@ -109,26 +104,25 @@ DeviceData::DeviceData(const fs::path& folder) : m_file(fs::absolute(folder) / "
 }
 
 std::optional<std::string> DeviceData::Read(const DataRequest& request) const {
-    const XmlDocument result(xmlNewDoc(ToXml("1.0")));
-    if (!result) throw std::bad_alloc();
-    xmlNode* const root = xmlNewDocNode(result.get(), nullptr, ToXml("dataResult"), nullptr);
-    if (!root) throw std::bad_alloc();
-    xmlDocSetRootElement(result.get(), root);
+    const XmlDocument result = NewXml("dataResult");
+    xmlNode& root = RootOf(*result);
 
     const std::lock_guard guard(m_lock);
+    RequireOpen();
     const XmlPaths paths(*m_document, request.prefixes);
-    const XmlPathResult found = paths.Find(request.path);
+    const XPathResult found = paths.Find(request.path);
     if (found->type != XPATH_NODESET) {
-        AddValue(*root, FromXml(XmlString(xmlXPathCastToString(found.get())).get()));
+        AddElement(root, "value", FromXml(XmlString(xmlXPathCastToString(found.get())).get()));
     } else if (found->nodesetval) {
-        for (int i = 0; i < found->nodesetval->nodeNr; ++i) AddNode(*root, *found->nodesetval->nodeTab[i]);
+        for (int i = 0; i < found->nodesetval->nodeNr; ++i) AddNode(root, *found->nodesetval->nodeTab[i]);
     }
-    if (!root->children) return {};
-    return XmlText(*result);
+    if (!root.children) return {};
+    return XmlText(*result, XmlLayout::AsItIs);
 }
 
 std::vector<SetFailure> DeviceData::Write(const SetDocument& document) {
     const std::lock_guard guard(m_lock);
+    RequireOpen();
     XmlDocument changed(xmlCopyDoc(m_document.get(), 1));
     if (!changed) throw std::bad_alloc();
     const XmlPaths paths(*changed, document.prefixes);
@@ -151,19 +145,21 @@ std::vector<SetFailure> DeviceData::Write(const SetDocument& document) {
 
 void DeviceData::SetCounter(const char* name, std::size_t value) {
     const std::lock_guard guard(m_lock);
-    const XmlPaths paths(*m_document, "d=urn:wncom:device-data");
-    const XmlPathResult found = paths.Find(std::string("/d:deviceData/d:counters/d:") + name);
     // A file that somebody edited may lack it.
-    if (found->nodesetval && found->nodesetval->nodeNr == 1) {
-        SetValue(*found->nodesetval->nodeTab[0], std::to_string(value));
-    }
+    const xmlNode* const counters = Child(RootOf(*m_document), "counters");
+    xmlNode* const counter = counters ? Child(*counters, name) : nullptr;
+    if (counter) SetValue(*counter, std::to_string(value));
+}
+
+void DeviceData::RequireOpen() const {
+    if (m_closed) throw std::runtime_error("The device is stopping");
 }
 
 void DeviceData::Save(xmlDoc& document) const {
     fs::path incoming = m_file;
     incoming += ".new";
     std::ofstream file(incoming, std::ios::binary | std::ios::trunc);
-    file << XmlText(document);
+    file << XmlText(document, XmlLayout::AsItIs);
     file.close();
     if (!file) throw std::runtime_error("cannot write " + incoming.string());
     fs::rename(incoming, m_file);

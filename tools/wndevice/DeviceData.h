@@ -1,13 +1,14 @@
 // The device data document: status, trays and counters, with values that clients read by path and set.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/wndevice/DataDocuments.h"
+#include "tools/wndevice/Documents.h"
 #include "tools/wndevice/Xml.h"
 
 namespace wndevice {
@@ -31,10 +32,15 @@ public:
     // Sets one of the counters, by its element's name. Not stored: the service counts anew when it starts.
     void SetCounter(const char* name, std::size_t value);
 
+    // Requests that still wait for their turn fail: each may take a second.
+    void Close() noexcept { m_closed = true; }
+
 private:
+    void RequireOpen() const;
     void Save(xmlDoc& document) const;
 
     std::filesystem::path m_file;
+    std::atomic<bool> m_closed = false;
     mutable std::mutex m_lock;
     XmlDocument m_document;
 };

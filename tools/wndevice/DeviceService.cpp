@@ -1,113 +1,113 @@
 #include "tools/wndevice/DeviceService.h"
 
-#include <sys/socket.h>
-
-#include <chrono>
 #include <cstdio>
+#include <exception>
 #include <stdexcept>
-#include <string>
-#include <thread>
+#include <string_view>
 #include <utility>
-
-#include "tools/wndevice/Connections.h"
-#include "tools/wndevice/Documents.h"
-#include "tools/wndevice/EventDocuments.h"
-#include "tools/wndevice/RandomId.h"
-#include "tools/wndevice/RequestBody.h"
 
 namespace wndevice {
 namespace {
 
 using httplib::ContentReader;
-using httplib::Request;
-using httplib::Response;
 
-constexpr const char* kHost = "127.0.0.1";
-constexpr std::size_t kTicketLimit = std::size_t{64} << 20;  // bytes
-// Each open connection holds a thread, whether it is in use or not.
-constexpr std::size_t kConnections = 64;
-constexpr int kSeconds = 30;  // of silence inside a request, and between two requests of a connection
+constexpr std::size_t kLongestDocument = std::size_t{64} << 20;  // bytes
+
+// Hands the body to the sink in pieces and reads it to its end, whatever happens: an unread rest would be taken for
+// the connection's next request. Without a length the library would read until the client closes the connection.
+void ReadBody(const httplib::Request& request, const ContentReader& reader,
+              const std::function<void(const char*, std::size_t)>& sink) {
+    if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding")) {
+        throw Refusal(411, "The request has no Content-Length");
+    }
+    std::exception_ptr failure;
+    const bool whole = reader([&](const char* bytes, std::size_t count) {
+        try {
+            if (!failure) sink(bytes, count);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        return true;
+    });
+    if (failure) std::rethrow_exception(failure);
+    if (!whole) throw Refusal(400, "The body was cut off");
+}
+
+std::string ReadDocument(const httplib::Request& request, const ContentReader& reader) {
+    std::string text;
+    ReadBody(request, reader, [&](const char* bytes, std::size_t count) {
+        if (count > kLongestDocument - text.size()) {
+            throw Refusal(413, "The document is longer than " + std::to_string(kLongestDocument) + " bytes");
+        }
+        text.append(bytes, count);
+    });
+    return text;
+}
+
+void SkipBody(const httplib::Request& request, const ContentReader& reader) {
+    try {
+        ReadBody(request, reader, [](const char*, std::size_t) {});
+    } catch (const Refusal&) {
+        // Nothing was wanted of it.
+    }
+}
+
+DeviceRequest RequestOf(const httplib::Request& request) {
+    DeviceRequest result;
+    if (request.matches.size() > 1) result.target = request.matches[1];
+    result.session = request.get_header_value("Session-Id");
+    result.requestId = request.get_header_value("Request-Id");
+    result.failureDetails = request.get_header_value("Failure-Details") == "yes";
+    return result;
+}
 
 }  // namespace
 
 DeviceService::DeviceService(std::string name, const std::filesystem::path& store, Faults& faults, bool quiet)
-    : m_name(std::move(name)), m_jobs(store), m_data(store), m_faults(faults) {
-    const JobStore::Counts counts = m_jobs.Count();
-    CountJobs(counts.accepted, counts.complete);
-    m_server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
-    m_server.set_keep_alive_max_count(100000);
-    m_server.set_keep_alive_timeout(kSeconds);
-    m_server.set_read_timeout(kSeconds);
-    m_server.set_write_timeout(kSeconds);
-    m_server.set_tcp_nodelay(true);
-    // By default the library lets two services share one port.
-    m_server.set_socket_options([](socket_t socket) {
-        const int yes = 1;
-        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
-    });
-    if (!quiet) AddLog();
+    : m_device(std::move(name), store), m_faults(faults) {
+    if (!quiet) {
+        m_server.set_logger([](const Request& request, const Response& answer) {
+            std::fprintf(stderr, "port %d: %s %s %d\n", request.remote_port, request.method.c_str(),
+                         request.path.c_str(), answer.status);
+        });
+    }
     AddRoutes();
 }
 
-void DeviceService::Bind(int port) {
-    if (port == 0) {
-        port = m_server.bind_to_any_port(kHost);
-        if (port < 0) throw std::runtime_error("no free port on 127.0.0.1");
-    } else if (!m_server.bind_to_port(kHost, port)) {
-        throw std::runtime_error("port " + std::to_string(port) + " of 127.0.0.1 is not to be had");
-    }
-    m_address = std::string("http://") + kHost + ":" + std::to_string(port);
-}
-
-void DeviceService::Run() {
-    m_server.listen_after_bind();
-    m_ended = true;
+std::string DeviceService::Bind(int port) {
+    const std::string address = m_server.Bind(port);
+    m_device.SetAddress(address);
+    return address;
 }
 
 void DeviceService::Stop() {
-    // The library forgets a stop that comes before it serves.
-    while (!m_server.is_running() && !m_ended) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    m_server.stop();
+    m_device.Close();
     m_faults.EndWaits();
-    EndWaiting();
-}
-
-void DeviceService::AddLog() {
-    m_server.set_logger([](const Request& request, const Response& answer) {
-        std::fprintf(stderr, "port %d: %s %s %d\n", request.remote_port, request.method.c_str(), request.path.c_str(),
-                     answer.status);
-    });
+    m_server.Stop();
 }
 
 void DeviceService::AddRoutes() {
-    m_server.Post("/sessions", [this](const Request& request, Response& answer, const ContentReader& reader) {
-        SkipBody(request, reader);
-        Serve("session", request, answer, [this](const Request& r, Response& a) { StartSession(r, a); });
-    });
-    m_server.Delete("/sessions/([^/]+)",
-                    [this](const Request& request, Response& answer, const ContentReader& reader) {
-                        SkipBody(request, reader);
-                        Serve("end", request, answer, [this](const Request& r, Response& a) { EndSession(r, a); });
-                    });
-    m_server.Post("/capabilities", ServeDocument("capabilities", Caller::InSession,
-                                                 [this](const Request& r, Response& a) { Capabilities(r, a); }));
-    m_server.Post(
-        "/jobs", ServeDocument("submit", Caller::InSession, [this](const Request& r, Response& a) { Submit(r, a); }));
+    constexpr Caller anyone = Caller::Anyone;
+    constexpr Caller inSession = Caller::InSession;
+    AddOperation("POST", "/sessions", "session", &Device::StartSession, anyone);
+    AddOperation("DELETE", "/sessions/([^/]+)", "end", &Device::EndSession, anyone);
+    AddDocument("/capabilities", "capabilities", &Device::Capabilities, inSession);
+    AddDocument("/jobs", "submit", &Device::Submit, inSession);
+    AddOperation("GET", "/jobs/([^/]+)", "job", &Device::ShowJob, anyone);
+    AddDocument("/device-data/read", "read", &Device::ReadData, inSession);
+    AddDocument("/device-data/write", "write", &Device::WriteData, inSession);
+    AddOperation("GET", "/events", "events", &Device::ListEvents, anyone);
+    AddOperation("GET", "/events/([^/]+)", "properties", &Device::ListProperties, anyone);
+    AddOperation("GET", "/event-capabilities", "event-capabilities", &Device::DescribeEvents, inSession);
+    AddDocument("/subscriptions", "subscribe", &Device::Subscribe, anyone);
+    AddDocument("/subscription-tickets", "subscribe-ticket", &Device::SubscribeTicket, inSession);
+    AddDocument("/subscriptions/([^/]+)", "renew", &Device::Renew, anyone);
+    AddOperation("DELETE", "/subscriptions/([^/]+)", "cancel", &Device::Cancel, anyone);
     const auto data = [this](const Request& request, Response& answer, const ContentReader& reader) {
-        bool taken = false;
-        Serve("data", request, answer, [&](const Request& r, Response& a) {
-            taken = true;
-            TakeData(r, a, reader);
-        });
-        if (!taken) SkipBody(request, reader);  // a fault stood in for the work
+        TakeData(request, answer, reader);
     };
     m_server.Post("/jobs/([^/]+)/data", data);
     m_server.Put("/jobs/([^/]+)/data", data);
-    m_server.Get("/jobs/([^/]+)", [this](const Request& request, Response& answer) {
-        Serve("job", request, answer, [this](const Request& r, Response& a) { ShowJob(r, a); });
-    });
-    AddDataRoutes();
-    AddEventRoutes();
     // Everything else that has a body, lest the library keep it in memory.
     const auto unknown = [](const Request& request, Response& answer, const ContentReader& reader) {
         SkipBody(request, reader);
@@ -119,11 +119,56 @@ void DeviceService::AddRoutes() {
     m_server.Delete(".*", unknown);
 }
 
-void DeviceService::Serve(const char* operation, const Request& request, Response& answer, const Work& work) {
+void DeviceService::AddOperation(const char* method, const char* pattern, const char* name, Operation operation,
+                                 Caller caller) {
+    const auto serve = [=, this](const Request& request, Response& answer) {
+        Serve(name, request, answer, [&] {
+            const DeviceRequest call = RequestOf(request);
+            if (caller == Caller::InSession) m_device.RequireSession(call);
+            return (m_device.*operation)(call);
+        });
+    };
+    if (std::string_view(method) == "GET") {
+        m_server.Get(pattern, serve);
+        return;
+    }
+    const auto skipAndServe = [=](const Request& request, Response& answer, const ContentReader& reader) {
+        SkipBody(request, reader);
+        serve(request, answer);
+    };
+    std::string_view(method) == "POST" ? m_server.Post(pattern, skipAndServe)
+                                       : m_server.Delete(pattern, skipAndServe);
+}
+
+void DeviceService::AddDocument(const char* pattern, const char* name, Operation operation, Caller caller) {
+    m_server.Post(pattern, [=, this](const Request& request, Response& answer, const ContentReader& reader) {
+        DeviceRequest call = RequestOf(request);
+        bool read = false;
+        Serve(name, request, answer, [&] {
+            read = true;
+            call.text = ReadDocument(request, reader);
+            if (caller == Caller::InSession) m_device.RequireSession(call);
+            call.document = ParseXml(call.text);
+            return (m_device.*operation)(call);
+        });
+        if (!read) SkipBody(request, reader);  // a fault stood in for the work
+    });
+}
+
+void DeviceService::Serve(const char* name, const Request& request, Response& answer,
+                          const std::function<DeviceAnswer()>& work) {
     try {
-        if (m_faults.Before(operation, request, answer)) return;
-        work(request, answer);
-        m_faults.After(operation, request, answer);
+        if (m_faults.Before(name, answer)) return;
+        if (m_faults.Closes(name)) return m_server.EndConnection(request.remote_port);
+        DeviceAnswer result = work();
+        answer.status = result.status;
+        answer.set_content(std::move(result.body),
+                           result.isXml ? "application/xml; charset=utf-8" : "text/plain; charset=utf-8");
+        if (!result.location.empty()) answer.set_header("Location", result.location);
+        m_faults.After(name, answer);
+        if (m_faults.LosesAnswer(name)) m_server.EndConnection(request.remote_port);
+    } catch (const Refusal& refusal) {
+        Tell(answer, refusal.Status(), refusal.what());
     } catch (const std::invalid_argument& fault) {
         Tell(answer, 422, fault.what());
     } catch (const std::exception& failure) {
@@ -131,91 +176,16 @@ void DeviceService::Serve(const char* operation, const Request& request, Respons
     }
 }
 
-httplib::Server::HandlerWithContentReader DeviceService::ServeDocument(const char* operation, Caller caller,
-                                                                       Work work) {
-    return [=, this](const Request& request, Response& answer, const ContentReader& reader) {
-        std::string document;
-        if (!ReadText(request, answer, reader, kTicketLimit, document)) return;
-        Serve(operation, request, answer, [&](const Request&, Response&) {
-            if (caller == Caller::InSession && !IsInSession(request, answer)) return;
-            const std::string fault = FaultOfXml(document);
-            if (!fault.empty()) throw std::invalid_argument("The document is not well-formed: " + fault);
-            Request whole = request;
-            whole.body = std::move(document);
-            work(whole, answer);
-        });
-    };
-}
-
-bool DeviceService::IsInSession(const Request& request, Response& answer) {
-    if (m_sessions.Use(request.get_header_value("Session-Id"))) return true;
-    Tell(answer, 403, "The request belongs to no open session");
-    return false;
-}
-
-void DeviceService::StartSession(const Request& request, Response& answer) {
-    const std::string id = m_sessions.Start(request.get_header_value("Session-Id"));
-    answer.status = 201;
-    answer.set_header("Location", m_address + "/sessions/" + id);
-    answer.set_content(id, "text/plain; charset=utf-8");
-}
-
-void DeviceService::EndSession(const Request& request, Response& answer) {
-    if (!m_sessions.End(request.matches[1])) return Tell(answer, 403, "There is no such session");
-    Tell(answer, 200, "The session has ended");
-}
-
-void DeviceService::Capabilities(const Request& request, Response& answer) const {
-    const auto workflowId = WorkflowOfRequest(request.body);
-    if (!workflowId) return Tell(answer, 422, "The document is no capabilities request");
-    TellXml(answer, 200, CapabilitiesTicket(m_name, *workflowId));
-}
-
-void DeviceService::Submit(const Request& request, Response& answer) {
-    const auto address = [this](const std::string& jobId) { return m_address + "/jobs/" + jobId; };
-    const std::string jobId = m_submitted.Once(request.get_header_value("Request-Id"), [&] {
-        const std::string id = m_jobs.Add(request.body);
-        CountJobs(1, 0);
-        Event event{"jobAccepted", {{"jobId", id}, {"jobUri", address(id)}}};
-        const std::string name = JobNameOf(request.body);
-        if (!name.empty()) event.properties.emplace_back("jobName", name);
-        m_subscriptions.Publish(event);
-        return id;
-    });
-    TellXml(answer, 201, ResponseTicket(jobId, address(jobId) + "/data", address(jobId)));
-    answer.set_header("Location", address(jobId));
-}
-
 void DeviceService::TakeData(const Request& request, Response& answer, const ContentReader& reader) {
-    const std::string jobId = request.matches[1];
-    if (!m_jobs.Has(jobId)) {
-        SkipBody(request, reader);
-        return Tell(answer, 404, "There is no such job");
-    }
-    JobStore::Delivery delivery(m_jobs, jobId);
-    const auto sink = [&](const char* bytes, std::size_t count) { delivery.Write(bytes, count); };
-    if (!ReadBody(request, answer, reader, sink)) return;
-    if (!delivery.Finish()) return Tell(answer, 409, "The job has its data already");
-    CountJobs(0, 1);
-    m_subscriptions.Publish({"jobDataReceived",
-                             {{"jobId", jobId},
-                              {"jobUri", m_address + "/jobs/" + jobId},
-                              {"dataBytes", std::to_string(m_jobs.DataBytes(jobId).value_or(0))}}});
-    Tell(answer, 200, "The job has its data");
-}
-
-void DeviceService::CountJobs(std::size_t accepted, std::size_t complete) {
-    const std::lock_guard guard(m_countLock);
-    m_counts.accepted += accepted;
-    m_counts.complete += complete;
-    m_data.SetCounter("jobsAccepted", m_counts.accepted);
-    m_data.SetCounter("jobsComplete", m_counts.complete);
-}
-
-void DeviceService::ShowJob(const Request& request, Response& answer) const {
-    const std::string jobId = request.matches[1];
-    if (!m_jobs.Has(jobId)) return Tell(answer, 404, "There is no such job");
-    TellXml(answer, 200, JobState(jobId, m_jobs.DataBytes(jobId)));
+    bool read = false;
+    Serve("data", request, answer, [&] {
+        const std::string jobId = request.matches[1];
+        JobStore::Delivery delivery = m_device.Deliver(jobId);
+        read = true;
+        ReadBody(request, reader, [&](const char* bytes, std::size_t count) { delivery.Write(bytes, count); });
+        return m_device.FinishDelivery(jobId, delivery);
+    });
+    if (!read) SkipBody(request, reader);
 }
 
 }  // namespace wndevice

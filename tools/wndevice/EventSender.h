@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
+#include "tools/wndevice/ConsumerClient.h"
 #include "tools/wndevice/Subscription.h"
 
 namespace wndevice {
@@ -24,18 +26,15 @@ public:
     EventSender(std::string id, Subscription subscription);
     EventSender(const EventSender&) = delete;
     EventSender& operator=(const EventSender&) = delete;
-    // Ends the subscription and waits for the thread, a second at most.
+    // Ends the subscription and waits for the thread, a few seconds at most.
     ~EventSender();
 
     // Queues the event when the subscription wants it.
     void Offer(const Event& event);
-    // Another duration from now on; false when the subscription is over.
-    bool Renew(std::chrono::seconds duration);
+    // Another duration from now on, the last one again without one; false when the subscription is over.
+    bool Renew(std::optional<std::chrono::seconds> duration);
     // Returns at once; false when the subscription is over already.
     bool End();
-    // The last duration, whether the subscription is over or not.
-    std::chrono::seconds Duration() const;
-    bool IsOver() const;
     // Whether the thread has nothing more to do: destroying the object then takes no time.
     bool HasFinished() const { return m_finished; }
 
@@ -43,13 +42,13 @@ private:
     void Run();
     // Waits for an event; false when the subscription is over.
     bool Next(std::string& document);
-    bool Deliver(const std::string& document) const;
     bool Pause(std::chrono::milliseconds time);
     bool OverLocked() const { return m_ended || Clock::now() >= m_deadline; }
 
     const std::string m_id;
     const Subscription m_subscription;
-    mutable std::mutex m_lock;
+    ConsumerClient m_client;
+    std::mutex m_lock;
     std::condition_variable m_change;
     std::deque<std::string> m_queue;
     std::size_t m_queuedBytes = 0;

@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
-
-#include "tools/wndevice/Connections.h"
 
 namespace wndevice {
 namespace {
@@ -72,35 +71,31 @@ void Faults::Add(const std::string& text) {
     const std::string operation = text.substr(0, colon);
     if (colon == std::string::npos ||
         std::find(kOperations.begin(), kOperations.end(), operation) == kOperations.end()) {
-        throw std::invalid_argument("fault \"" + text + "\" names no known operation");
+        throw std::invalid_argument("fault \"" + text + "\" names an unknown operation");
     }
     Fault fault;
     fault.kind = text.substr(colon + 1, equals == std::string::npos ? equals : equals - colon - 1);
     const auto kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& k) { return k.name == fault.kind; });
-    if (kind == kKinds.end()) throw std::invalid_argument("fault \"" + text + "\" is of no known kind");
+    if (kind == kKinds.end()) throw std::invalid_argument("fault \"" + text + "\" is of an unknown kind");
     if ((kind->value == Value::None) != (equals == std::string::npos)) {
-        throw std::invalid_argument("fault \"" + text + "\" has a value where none belongs, or lacks one");
+        throw std::invalid_argument("fault \"" + text + "\" needs a value, or takes none");
     }
     if (equals != std::string::npos) fault.text = text.substr(equals + 1);
     if (kind->value == Value::Number) {
         const char* const end = fault.text.data() + fault.text.size();
         const auto read = std::from_chars(fault.text.data(), end, fault.number);
         if (read.ec != std::errc() || read.ptr != end) {
-            throw std::invalid_argument("the value of fault \"" + text + "\" is no number");
+            throw std::invalid_argument("the value of fault \"" + text + "\" is not a number");
         }
     }
     if (kind->value == Value::File) fault.text = WholeFile(fault.text);
     m_faults.emplace(operation, std::move(fault));
 }
 
-bool Faults::Before(const std::string& operation, const httplib::Request& request, httplib::Response& answer) {
+bool Faults::Before(const std::string& operation, httplib::Response& answer) {
     if (const Fault* hang = Find(operation, "hang")) {
         std::unique_lock guard(m_lock);
         m_change.wait_for(guard, std::chrono::seconds(hang->number), [&] { return m_ending; });
-    }
-    if (Find(operation, "close")) {
-        EndConnection(request.remote_port);
-        return true;
     }
     if (const Fault* status = Find(operation, "status")) {
         answer.status = static_cast<int>(status->number);
@@ -118,13 +113,12 @@ bool Faults::Before(const std::string& operation, const httplib::Request& reques
     return false;
 }
 
-void Faults::After(const std::string& operation, const httplib::Request& request, httplib::Response& answer) {
+void Faults::After(const std::string& operation, httplib::Response& answer) const {
     if (const Fault* body = Find(operation, "body")) answer.body = body->text;
     if (const Fault* type = Find(operation, "type")) {
         answer.headers.erase("Content-Type");
         answer.set_header("Content-Type", type->text);
     }
-    if (TakeLostAnswer(operation)) EndConnection(request.remote_port);
 }
 
 void Faults::EndWaits() {
@@ -147,14 +141,9 @@ const Faults::Fault* Faults::Find(const std::string& operation, const char* kind
     return found == last ? nullptr : &found->second;
 }
 
-bool Faults::TakeLostAnswer(const std::string& operation) {
+bool Faults::LosesAnswer(const std::string& operation) {
     const std::lock_guard guard(m_lock);
-    const auto [first, last] = m_faults.equal_range(operation);
-    const auto found =
-        std::find_if(first, last, [](const auto& entry) { return entry.second.kind == "lost-answer"; });
-    if (found == last || found->second.number != 0) return false;
-    found->second.number = 1;  // taken: the repeated request is answered
-    return true;
+    return Find(operation, "lost-answer") && m_lost.insert(operation).second;
 }
 
 }  // namespace wndevice

@@ -1,15 +1,13 @@
 // Faults on request: what a client must survive.
 #pragma once
 
-#include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace httplib {
-struct Request;
 struct Response;
 }  // namespace httplib
 
@@ -21,9 +19,14 @@ public:
     // "OPERATION:KIND" or "OPERATION:KIND=VALUE". Throws std::invalid_argument with a text for the user.
     void Add(const std::string& text);
     // Before the operation's work; true when the fault took its place and the answer stands.
-    bool Before(const std::string& operation, const httplib::Request& request, httplib::Response& answer);
+    bool Before(const std::string& operation, httplib::Response& answer);
+    // Whether the connection is to be closed instead of the operation's work.
+    bool Closes(const std::string& operation) const { return Find(operation, "close") != nullptr; }
     // After the operation's work, on an answer that stands.
-    void After(const std::string& operation, const httplib::Request& request, httplib::Response& answer);
+    void After(const std::string& operation, httplib::Response& answer) const;
+    // Whether the connection is to be closed after the work: once for an operation, so a repeated request is
+    // answered.
+    bool LosesAnswer(const std::string& operation);
     // Ends every wait that a fault makes, for good.
     void EndWaits();
 
@@ -37,11 +40,11 @@ private:
         std::size_t number = 0;
     };
     const Fault* Find(const std::string& operation, const char* kind) const;
-    bool TakeLostAnswer(const std::string& operation);
 
     std::multimap<std::string, Fault> m_faults;  // by operation
     std::mutex m_lock;
     std::condition_variable m_change;
+    std::set<std::string> m_lost;  // operations whose answer was lost
     bool m_ending = false;
 };
 

@@ -7,7 +7,7 @@
 namespace wndevice {
 
 // 32 lower-case hexadecimal digits from the system's cryptographic source. Throws std::runtime_error when the system
-// gives none.
+// fails.
 std::string NewId();
 
 // Whether a text has the form of NewId's. Only such a text may become part of a path.

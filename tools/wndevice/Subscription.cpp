@@ -2,11 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <pugixml.hpp>
 #include <stdexcept>
-
-#include "tools/wndevice/ConsumerAddress.h"
-#include "tools/wndevice/Xml.h"
 
 namespace wndevice {
 namespace {
@@ -17,36 +13,43 @@ constexpr std::size_t kLongestText = 1024;  // bytes
 // A text of the consumer that is kept and comes back in documents.
 std::string Checked(const std::string& text, const char* name) {
     if (text.size() > kLongestText || !IsPlainText(text)) {
-        throw std::invalid_argument(std::string("The text of ") + name + " is too long or holds control characters");
+        throw std::invalid_argument(std::string("The text of ") + name +
+                                    " is too long or contains control characters");
     }
     return text;
 }
 
-pugi::xml_node Load(pugi::xml_document& document, const std::string& text) {
-    if (!document.load_buffer(text.data(), text.size())) {
-        throw std::invalid_argument("The subscription is not well-formed XML");
+std::optional<std::chrono::seconds> DurationIn(const xmlNode& root) {
+    const std::string text = ContentOfChild(root, "Duration");
+    if (text.empty()) return {};
+    std::chrono::seconds::rep count = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, count);
+    if (read.ec != std::errc() || read.ptr != end || count < 1 || count > kLongestDuration.count()) {
+        throw std::invalid_argument("The duration is not a number of seconds from 1 to " +
+                                    std::to_string(kLongestDuration.count()));
     }
-    return document.document_element();
+    return std::chrono::seconds(count);
 }
 
-void ReadInfo(pugi::xml_node root, Subscription& subscription) {
-    for (const pugi::xml_node node : root.children("EventName")) {
-        const std::string name = node.text().get();
-        if (name == "all") {
-            for (const EventKind& kind : EventKinds()) subscription.events.insert(kind.name);
-        } else if (FindEventKind(name)) {
-            subscription.events.insert(name);
-        } else {
-            throw std::invalid_argument("There is no such event: " + Checked(name, "EventName"));
+void ReadInfo(const xmlNode& root, Subscription& subscription) {
+    for (const xmlNode* const node : Children(root, "EventName")) {
+        const std::string name = Checked(ContentOf(*node), "EventName");
+        std::size_t known = 0;
+        for (const EventKind& kind : EventKinds()) {
+            if (name != "all" && name != kind.name) continue;
+            subscription.events.insert(kind.name);
+            ++known;
         }
+        if (known == 0) throw std::invalid_argument("There is no such event: " + name);
     }
-    const std::string reliability = root.child("ReliabilityOption").text().get();
+    const std::string reliability = ContentOfChild(root, "ReliabilityOption");
     if (!reliability.empty() && reliability != "retry" && reliability != "bestEffort") {
         throw std::invalid_argument("The reliability option is neither retry nor bestEffort");
     }
     subscription.bestEffort = reliability == "bestEffort";
-    subscription.cookie = Checked(root.child("ClientCookie").text().get(), "ClientCookie");
-    subscription.duration = ParseDuration(root.child("Duration").text().get(), kDefaultDuration);
+    subscription.cookie = Checked(ContentOfChild(root, "ClientCookie"), "ClientCookie");
+    subscription.duration = DurationIn(root).value_or(kDefaultDuration);
 }
 
 bool IsPropertyOf(const Subscription& subscription, const std::string& name) {
@@ -56,28 +59,29 @@ bool IsPropertyOf(const Subscription& subscription, const std::string& name) {
     });
 }
 
-void ReadFilters(pugi::xml_node root, Subscription& subscription) {
-    std::size_t count = 0;
-    for (const pugi::xml_node node : root.children("FilterOn")) {
-        if (++count > kMostFilters) {
-            throw std::invalid_argument("There are more than " + std::to_string(kMostFilters) + " filters");
-        }
-        const pugi::xml_node name = node.child("Name");
-        const pugi::xml_node value = node.child("Value");
-        if (!name || !value || name.next_sibling("Name") || value.next_sibling("Value")) {
+void ReadFilters(const xmlNode& root, Subscription& subscription) {
+    const std::vector<xmlNode*> filters = Children(root, "FilterOn");
+    if (filters.size() > kMostFilters) {
+        throw std::invalid_argument("There are more than " + std::to_string(kMostFilters) + " filters");
+    }
+    for (const xmlNode* const filter : filters) {
+        const std::vector<xmlNode*> names = Children(*filter, "Name");
+        const std::vector<xmlNode*> values = Children(*filter, "Value");
+        if (names.size() != 1 || values.size() != 1) {
             throw std::invalid_argument("A filter is not a pair of one Name and one Value");
         }
-        const std::string property = Checked(name.text().get(), "Name");
+        const std::string property = Checked(ContentOf(*names.front()), "Name");
         if (!IsPropertyOf(subscription, property)) {
             throw std::invalid_argument("None of the events has the property " + property);
         }
-        subscription.filters[property].insert(Checked(value.text().get(), "Value"));
+        subscription.filters[property].insert(Checked(ContentOf(*values.front()), "Value"));
     }
 }
 
-std::string CheckedConsumer(const std::string& address) {
-    if (!IsConsumerAddress(address)) {
-        throw std::invalid_argument("The consumer's address is no http address on loopback");
+wncom::http::HttpAddress ParseConsumer(const std::string& text) {
+    const wncom::http::HttpAddress address = wncom::http::ParseHttpAddress(Checked(text, "the consumer's address"));
+    if (address.scheme != "http" || !address.loopback) {
+        throw std::invalid_argument("The consumer's address is not an http address on loopback");
     }
     return address;
 }
@@ -93,52 +97,28 @@ bool Wants(const Subscription& subscription, const Event& event) {
     });
 }
 
-Subscription ParseSubscriptionTicket(const std::string& text) {
-    pugi::xml_document document;
-    const pugi::xml_node root = Load(document, text);
-    if (std::string_view(root.name()) != "Subscription") {
-        throw std::invalid_argument("The document is no subscription ticket");
-    }
+Subscription ParseSubscriptionTicket(const xmlDoc& document) {
+    const xmlNode& root = RootNamed(document, "Subscription");
     Subscription subscription;
     ReadInfo(root, subscription);
     ReadFilters(root, subscription);
-    subscription.consumer = CheckedConsumer(root.child("ConsumerInterface").text().get());
+    subscription.consumer = ParseConsumer(ContentOfChild(root, "ConsumerInterface"));
     return subscription;
 }
 
-Subscription ParseSubscriptionParts(const std::string& text) {
-    pugi::xml_document document;
-    const pugi::xml_node root = Load(document, text);
-    if (std::string_view(root.name()) != "subscriptionParts") {
-        throw std::invalid_argument("The document holds no parts of a subscription");
-    }
+Subscription ParseSubscriptionParts(const xmlDoc& document) {
+    const xmlNode& root = RootNamed(document, "subscriptionParts");
     Subscription subscription;
-    pugi::xml_document part;
-    const std::string info = root.child("subscriptionInfo").text().get();
-    if (!info.empty()) ReadInfo(Load(part, info), subscription);
-    const std::string filters = root.child("filterProperties").text().get();
-    if (!filters.empty()) ReadFilters(Load(part, filters), subscription);
-    subscription.consumer = CheckedConsumer(root.child("consumerInterface").text().get());
+    const std::string info = ContentOfChild(root, "subscriptionInfo");
+    if (!info.empty()) ReadInfo(RootOf(*ParseXml(info)), subscription);
+    const std::string filters = ContentOfChild(root, "filterProperties");
+    if (!filters.empty()) ReadFilters(RootOf(*ParseXml(filters)), subscription);
+    subscription.consumer = ParseConsumer(ContentOfChild(root, "consumerInterface"));
     return subscription;
 }
 
-std::chrono::seconds ParseDuration(const std::string& text, std::chrono::seconds otherwise) {
-    if (text.empty()) return otherwise;
-    std::chrono::seconds::rep count = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, count);
-    if (read.ec != std::errc() || read.ptr != end || count < 1 || count > kLongestDuration.count()) {
-        throw std::invalid_argument("The duration is no number of seconds from 1 to " +
-                                    std::to_string(kLongestDuration.count()));
-    }
-    return std::chrono::seconds(count);
-}
-
-std::string DurationOfRenewal(const std::string& text) {
-    pugi::xml_document document;
-    const pugi::xml_node root = Load(document, text);
-    if (std::string_view(root.name()) != "renewal") throw std::invalid_argument("The document is no renewal");
-    return root.child("Duration").text().get();
+std::optional<std::chrono::seconds> ParseRenewal(const xmlDoc& document) {
+    return DurationIn(RootNamed(document, "renewal"));
 }
 
 }  // namespace wndevice

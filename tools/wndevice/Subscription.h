@@ -3,21 +3,21 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
-#include "tools/wndevice/EventKinds.h"
+#include "libraries/http/shared/HttpAddress.h"
+#include "tools/wndevice/Events.h"
+#include "tools/wndevice/Xml.h"
 
 namespace wndevice {
-
-inline constexpr std::chrono::seconds kDefaultDuration{3600};
-inline constexpr std::chrono::seconds kLongestDuration{86400};
 
 struct Subscription {
     std::set<std::string> events;                          // empty: every event
     std::map<std::string, std::set<std::string>> filters;  // property to the values that pass
     std::string cookie;                                    // comes back with each event
-    std::string consumer;                                  // an http address on loopback
+    wncom::http::HttpAddress consumer;                     // http on loopback: nothing is sent elsewhere
     bool bestEffort = false;                               // one attempt at each event instead of several
     std::chrono::seconds duration = kDefaultDuration;
 };
@@ -25,18 +25,13 @@ struct Subscription {
 // Whether the subscription names the event and all its filters let it pass.
 bool Wants(const Subscription& subscription, const Event& event);
 
-// A subscription ticket, all in one document. Throws std::invalid_argument with a reason when it is none.
-Subscription ParseSubscriptionTicket(const std::string& text);
-
+// All throw std::invalid_argument with a reason.
+// A subscription ticket, all in one document.
+Subscription ParseSubscriptionTicket(const xmlDoc& document);
 // A request of three texts: subscription info and filter properties, each a document or empty, and the consumer's
-// address. Throws std::invalid_argument with a reason.
-Subscription ParseSubscriptionParts(const std::string& text);
-
-// A number of seconds; an empty text gives the other duration. Throws std::invalid_argument for what is no number or
-// out of reason.
-std::chrono::seconds ParseDuration(const std::string& text, std::chrono::seconds otherwise);
-
-// The duration's text in a renewal document, as it stands there. Throws std::invalid_argument when it is none.
-std::string DurationOfRenewal(const std::string& text);
+// address.
+Subscription ParseSubscriptionParts(const xmlDoc& document);
+// The duration that a renewal asks for; nothing when it is to be the last one again.
+std::optional<std::chrono::seconds> ParseRenewal(const xmlDoc& document);
 
 }  // namespace wndevice

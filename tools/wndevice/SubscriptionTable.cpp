@@ -23,13 +23,7 @@ std::string SubscriptionTable::Add(const Subscription& subscription) {
     return id;
 }
 
-std::chrono::seconds SubscriptionTable::DurationOf(const std::string& id) {
-    const std::lock_guard guard(m_lock);
-    const EventSender* const sender = FindLocked(id);
-    return sender && !sender->IsOver() ? sender->Duration() : std::chrono::seconds(0);
-}
-
-bool SubscriptionTable::Renew(const std::string& id, std::chrono::seconds duration) {
+bool SubscriptionTable::Renew(const std::string& id, std::optional<std::chrono::seconds> duration) {
     const std::lock_guard guard(m_lock);
     EventSender* const sender = FindLocked(id);
     return sender && sender->Renew(duration);

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "tools/wndevice/EventSender.h"
@@ -12,17 +13,15 @@
 namespace wndevice {
 
 // Subscriptions live in memory only. Any thread may call, and no call waits for a consumer; only the destructor does,
-// a second at most.
+// a few seconds at most.
 class SubscriptionTable {
 public:
     ~SubscriptionTable();
 
     // A new subscription's id; empty when there are too many.
     std::string Add(const Subscription& subscription);
-    // The duration in force; 0 for one that is unknown or over.
-    std::chrono::seconds DurationOf(const std::string& id);
     // Both are false for a subscription that is unknown or over.
-    bool Renew(const std::string& id, std::chrono::seconds duration);
+    bool Renew(const std::string& id, std::optional<std::chrono::seconds> duration);
     bool Cancel(const std::string& id);
     // Offers the event to every subscription.
     void Publish(const Event& event);

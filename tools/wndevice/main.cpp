@@ -1,10 +1,8 @@
 // wndevice: a device service on loopback, for trying and testing transports.
-#include <curl/curl.h>
 #include <libxml/parser.h>
-#include <pthread.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -28,6 +26,10 @@ struct Options {
     bool quiet = false;
 };
 
+volatile std::sig_atomic_t g_stop = 0;
+
+extern "C" void HandleStop(int) { g_stop = 1; }
+
 // Whoever waits for the file never reads half of it.
 void WritePortFile(const std::filesystem::path& path, const std::string& address) {
     std::filesystem::path incoming = path;
@@ -40,32 +42,21 @@ void WritePortFile(const std::filesystem::path& path, const std::string& address
 }
 
 void Serve(const Options& options) {
-    // Neither library may be started by two threads at once.
-    xmlInitParser();
-    if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) throw std::runtime_error("libcurl does not start");
-
+    xmlInitParser();  // not by two threads at once
     wndevice::Faults faults;
     for (const std::string& fault : options.faults) faults.Add(fault);
     wndevice::DeviceService service(options.name, options.store, faults, options.quiet);
+    std::signal(SIGTERM, &HandleStop);
+    std::signal(SIGINT, &HandleStop);
 
-    // Blocked here, before the service makes threads, so that only the waiting thread hears of them.
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-
-    service.Bind(options.port);
-    if (!options.portFile.empty()) WritePortFile(options.portFile, service.Address());
-    std::printf("%s\n", service.Address().c_str());
+    const std::string address = service.Bind(options.port);
+    if (!options.portFile.empty()) WritePortFile(options.portFile, address);
+    std::printf("%s\n", address.c_str());
     std::fflush(stdout);
 
-    std::thread server([&] {
-        service.Run();
-        kill(getpid(), SIGTERM);  // a service that ends by itself ends the program too
-    });
-    int signal = 0;
-    sigwait(&signals, &signal);
+    std::thread server([&] { service.Run(); });
+    // A handler may do no more than set a flag, and to ask for it now and then works on every host.
+    while (g_stop == 0 && !service.HasEnded()) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     service.Stop();
     server.join();
 }
@@ -76,7 +67,7 @@ int main(int argc, char** argv) {
     Options options;
     CLI::App app(
         "A device service on loopback: takes sessions, intent tickets and job data over HTTP, keeps device data and "
-        "sends events. It prints its service address and ends on SIGTERM or SIGINT.",
+        "sends events. It prints its service address and ends on SIGTERM or Ctrl-C.",
         "wndevice");
     app.add_option("--port", options.port, "Port of 127.0.0.1; 0 takes any free one")
         ->check(CLI::Range(0, 65535))
