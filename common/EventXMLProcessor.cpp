@@ -36,7 +36,7 @@ HRESULT Ask(const Accessor& accessor, const OLECHAR* query, CPBstrBuffer& answer
     const Bstr text(query);
     const HRESULT status =
         Guarded([&] { return text ? accessor->GetXML(text.get(), 0, answer.put()) : E_OUTOFMEMORY; });
-    // A text that came with "no match" is none.
+    // A text that comes with "no match" does not count.
     if (status == S_FALSE) answer.Free();
     return status;
 }

@@ -174,7 +174,7 @@ void LogConversion::AppendNumber(LogLine& line, const LogArgument& argument) con
     const char* end = base == 10 ? std::to_chars(digits, std::end(digits), value).ptr
                                  : std::to_chars(digits, std::end(digits), value, base).ptr;
     const bool precise = precision != kNoPrecision && !ForText();
-    // A number that asks for no digits and is 0 has none.
+    // With a precision of 0 the number 0 has no digits.
     const std::size_t count =
         value == 0 && precise && precision == 0 && !address ? 0 : static_cast<std::size_t>(end - digits);
     if (address || type == 'X') {

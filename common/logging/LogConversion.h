@@ -22,10 +22,10 @@ struct LogConversion {
     char type = 0;  // one of d i u x X o c p s S C %
 
     bool ForText() const noexcept { return type == 's' || type == 'S'; }
-    // Reads the conversion that the text begins with. Returns its length in characters, 0 when it is none that is
-    // known. Length modifiers are read and forgotten: the argument knows its width.
+    // Reads the conversion that the text begins with. Returns its length in characters, 0 for an unknown conversion.
+    // Length modifiers are read and forgotten: the argument knows its width.
     std::size_t Parse(std::string_view text) noexcept;
-    // Appends the argument. One that is not what the conversion asks for is written as what it is.
+    // Appends the argument. If its type does not fit the conversion, it is written by its type.
     void Append(LogLine& line, const LogArgument& argument) const noexcept;
 
 private:

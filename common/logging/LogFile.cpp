@@ -19,6 +19,13 @@ DWORD WriteAtEnd(HANDLE file, std::string_view text) noexcept {
     return written;
 }
 
+void CutFromEnd(HANDLE file, DWORD bytes) noexcept {
+    LONG high = -1;  // of the negative distance
+    SetLastError(NO_ERROR);
+    const DWORD low = SetFilePointer(file, -static_cast<LONG>(bytes), &high, FILE_END);
+    if (low != INVALID_SET_FILE_POINTER || GetLastError() == NO_ERROR) SetEndOfFile(file);
+}
+
 bool IsNameCharacter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
            std::string_view("_-#.~()[]{}").find(c) != std::string_view::npos;
@@ -62,7 +69,7 @@ bool LogFile::Open(const char* path) noexcept {
     return false;
 }
 
-// Whoever ended while it held the mutex may have left the first half of a line.
+// A process that died while it held the mutex may have left half a line.
 bool LogFile::Obtain(DWORD milliseconds) noexcept {
     const DWORD result = WaitForSingleObject(m_mutex, milliseconds);
     if (result == WAIT_ABANDONED) EndHalfLine();
@@ -81,18 +88,15 @@ void LogFile::EndHalfLine() noexcept {
 
 LogFile::Outcome LogFile::Append(std::string_view text) noexcept {
     if (!Obtain(kLineWait)) return Outcome::Dropped;
-    // A writer that was the last one to hold the mutex takes it along when it dies, and nobody is told.
+    // When the only process that has the mutex open dies, the mutex goes with it, and no abandonment is reported.
     if (m_endIsUnknown.load(std::memory_order_relaxed)) {
         EndHalfLine();
         m_endIsUnknown = false;
     }
     const DWORD written = WriteAtEnd(m_file, text);
     const bool whole = written == text.size();
-    // On a full disk, or at a size limit, the start of the line may have found room.
-    if (!whole && written != 0 &&
-        SetFilePointer(m_file, -static_cast<LONG>(written), nullptr, FILE_END) != INVALID_SET_FILE_POINTER) {
-        SetEndOfFile(m_file);
-    }
+    // On a full disk, or at a size limit, the first part of the line may have been written.
+    if (!whole && written != 0) CutFromEnd(m_file, written);
     ReleaseMutex(m_mutex);
     return whole ? Outcome::Written : Outcome::Failed;
 }

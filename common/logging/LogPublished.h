@@ -22,7 +22,7 @@ public:
         const std::size_t version = m_version.load(std::memory_order_acquire);
         if (version % 2 != 0) return false;
         std::size_t words[kWords];
-        // Each word is acquired: whoever sees a new word also sees that the version has moved on.
+        // Each word is acquired: a reader that sees a new word also sees that the version has changed.
         for (std::size_t i = 0; i != kWords; ++i) words[i] = m_words[i].load(std::memory_order_acquire);
         if (m_version.load(std::memory_order_relaxed) != version) return false;
         std::memcpy(&value, words, sizeof(T));

@@ -17,8 +17,8 @@ bool ReadText(const OpenKey& key, const char* name, char (&text)[kLoggingConfigB
     return true;
 }
 
-// White space, then digits; anything else ends the number, and no digits are 0. A number beyond 32 bits keeps its low
-// 32 bits and stays beyond them.
+// Skips white space and reads digits up to the first other character; 0 without digits. Of a number beyond 32 bits
+// the low 32 bits are kept, and it stays beyond them.
 std::uint64_t ReadNumber(const char* text) noexcept {
     constexpr std::uint64_t kBeyond = std::uint64_t{1} << 32;
     std::uint64_t number = 0;
@@ -29,7 +29,7 @@ std::uint64_t ReadNumber(const char* text) noexcept {
     return number;
 }
 
-// Ends the field at the next comma and returns what stands behind it, null when there is none.
+// Ends the field at the next comma and returns the next field; null when there is no comma.
 char* CutField(char* field) noexcept {
     char* comma = std::strchr(field, ',');
     if (!comma) return nullptr;

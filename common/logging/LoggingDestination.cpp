@@ -67,7 +67,7 @@ bool TrimLogFile(std::uint32_t limit) noexcept {
     if (limit < 1 || limit > 1023 || !loggingState.file.IsOpen()) return false;
     LogTrim trim(loggingState.file.handle(), limit * 1024);
     if (!trim.CanRun()) return false;
-    // The reference keeps the log open for whoever asks meanwhile; it goes back without closing again.
+    // The reference keeps the log open for threads that ask meanwhile. Giving it back closes nothing.
     ++loggingState.references;
     loggingState.destination = LogDestination::Debugger;
     const bool cut = trim.Run();

@@ -7,7 +7,7 @@
 namespace wncom::server {
 namespace {
 
-// Lives as long as the module, whoever holds it: a held class object is no module lock.
+// Lives as long as the module. Holding a class object does not lock the module.
 class ClassObject final : public IClassFactory {
 public:
     constexpr ClassObject() noexcept = default;

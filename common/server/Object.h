@@ -15,7 +15,7 @@
 
 namespace wncom::server {
 
-// The pointer to the interface that iid names, among those of a class; null when it is none of them.
+// The interface of the class that iid names; null when the class does not have it.
 template <class... Interfaces, class Self>
 void* FindAmong(Self* self, REFIID iid) noexcept {
     void* found = nullptr;

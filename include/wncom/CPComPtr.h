@@ -75,7 +75,7 @@ public:
         return status;
     }
 
-    // The same for callers whom the status does not interest.
+    // The same for callers that do not need the status.
     template <class U>
     CPComPtr<U> query() const {
         CPComPtr<U> other;

@@ -85,17 +85,6 @@ TEST_F(SubscriptionDocument, GivesItsThreeTextsAndItsFilters) {
     EXPECT_EQ(Log(), Texts());
 }
 
-TEST_F(SubscriptionDocument, ThatIsNoneFails) {
-    for (const char* document : {"<s>", "no such file"}) {
-        m_log.Clear();
-        EXPECT_EQ(SubContent(document), kFailed);
-        EXPECT_EQ(FilterContent(document), kFailed);
-        EXPECT_EQ(Log(), Texts({"1 EventXMLProcessor::getSubContent(), unable to load XML",
-                                "1 EventXMLProcessor::getFilterContent(), unable to load XML"}));
-    }
-    EXPECT_EQ(m_processor.getSubContent(nullptr), nullptr);
-}
-
 class ScriptedAccessor : public EventXMLProcessorTest {
 protected:
     ScriptedAccessor() {

@@ -116,31 +116,6 @@ TEST(StringBufferEdit, AppendsInPlaceWhileTheRoomLasts) {
     ExpectLayout(buffer, {66, 16, "abcdefghijklmnopqrstuvwxyz0123456"});
 }
 
-TEST(StringBufferEdit, TakesATextOutOfItself) {
-    for (const std::size_t capacity : {7u, 10u, 32u}) {
-        SCOPED_TRACE(capacity);
-        CPHeapBuffer appended = Make({capacity, 0, "abcdef"});
-        EXPECT_EQ(TextOf(appended.Append(appended.Text() + 2)), Wide("abcdefcdef"));
-        CPHeapBuffer assigned = Make({capacity, 0, "abcdef"});
-        EXPECT_EQ(TextOf(assigned.Assign(assigned.Text() + 2)), Wide("cdef"));
-        CPHeapBuffer inserted = Make({capacity, 0, "abcdef"});
-        EXPECT_TRUE(inserted.Insert(inserted.Text() + 1, 3, 4));
-        EXPECT_EQ(TextOf(inserted), Wide("abcbcdedef"));
-    }
-    CPHeapBuffer moved = Make({32, 24, "abcdef"});
-    EXPECT_EQ(TextOf(moved.Append(moved.Text() + 2)), Wide("abcdefcdef"));
-    CPHeapBuffer part = Make({8, 0, "abcdef"});
-    EXPECT_TRUE(part.Insert(part.Text() + 1, 6, 3));
-    EXPECT_EQ(TextOf(part), Wide("abcdefbcd"));
-    EXPECT_EQ(part.Capacity(), 32u);
-}
-
-TEST(StringBufferEdit, TakesATextOutOfItsOwnMultiByteForm) {
-    CPHeapBuffer buffer = Make({7, 0, "abcdef"});
-    EXPECT_EQ(TextOf(buffer.Append(buffer.GetMultiByte())), Wide("abcdefabcdef"));
-    EXPECT_EQ(TextOf(buffer.Assign(buffer.GetMultiByte() + 3)), Wide("defabcdef"));
-}
-
 TEST(StringBufferEdit, MovesTheTextWhereItsOffsetCouldNotBeRecorded) {
     const WideText text = Letters(150000);
     CPBstrBuffer buffer;
