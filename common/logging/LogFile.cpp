@@ -20,10 +20,9 @@ DWORD WriteAtEnd(HANDLE file, std::string_view text) noexcept {
 }
 
 void CutFromEnd(HANDLE file, DWORD bytes) noexcept {
-    LONG high = -1;  // of the negative distance
-    SetLastError(NO_ERROR);
-    const DWORD low = SetFilePointer(file, -static_cast<LONG>(bytes), &high, FILE_END);
-    if (low != INVALID_SET_FILE_POINTER || GetLastError() == NO_ERROR) SetEndOfFile(file);
+    if (SetFilePointer(file, -static_cast<LONG>(bytes), nullptr, FILE_END) != INVALID_SET_FILE_POINTER) {
+        SetEndOfFile(file);
+    }
 }
 
 bool IsNameCharacter(char c) noexcept {
