@@ -107,6 +107,10 @@ constexpr std::int64_t kApplicationId = 1465404739;  // "WXMC"
 
 constexpr int kCommitPatience = 100;  // in milliseconds
 
+// Who waited for the database has asked the clock before those who used it meanwhile: their tickets are no sign of a
+// clock that was set back. In seconds; the cleaning statement has the same.
+constexpr std::int64_t kSlack = 2;
+
 }  // namespace
 
 // One execution of a prepared statement.
@@ -186,7 +190,7 @@ TicketDatabase::TicketDatabase(const std::string& hostPath) {
     Prepare("DELETE FROM ticket WHERE key = ?1", m_remove);
     // A few at a time, so that no put pays for a long neglect.
     Prepare(
-        "DELETE FROM ticket WHERE rowid IN (SELECT rowid FROM ticket WHERE expires <= ?1 OR stored > ?1 LIMIT 16)",
+        "DELETE FROM ticket WHERE rowid IN (SELECT rowid FROM ticket WHERE expires <= ?1 OR stored > ?1 + 2 LIMIT 16)",
         m_clean);
 }
 
@@ -230,7 +234,7 @@ Bstr TicketDatabase::Fetch(WideView key, std::int64_t now) {
                               "a ticket is not as it was stored");
     }
     // A clock that was set back must not lengthen anything's life.
-    if (stored > now || expires <= now) return {};
+    if (stored > now + kSlack || expires <= now) return {};
     Bstr ticket;
     ticket.attach(SysAllocStringLen(nullptr, static_cast<UINT>(size / sizeof(OLECHAR))));
     if (!ticket) throw std::bad_alloc();

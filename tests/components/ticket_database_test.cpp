@@ -21,12 +21,15 @@ protected:
 
 TEST_F(TicketDatabaseTest, ATicketLivesItsLifetimeAndNotASecondMore) {
     Put("a", kStart, 10);
-    EXPECT_FALSE(Lives("a", kStart - 1)) << "a clock set back ends a life";
+    EXPECT_FALSE(Lives("a", kStart - 3)) << "a clock set back ends a life";
+    EXPECT_TRUE(Lives("a", kStart - 1)) << "a reader that waited for its turn";
     EXPECT_TRUE(Lives("a", kStart));
     EXPECT_TRUE(Lives("a", kStart + 9));
     EXPECT_FALSE(Lives("a", kStart + 10));
     Put("a", kStart + 10, 10);
     EXPECT_TRUE(Lives("a", kStart + 19));
+    Put("b", kStart + 8, 10);
+    EXPECT_EQ(Stored(), 2) << "a writer that waited for its turn";
     Put("b", kStart, 10);
     EXPECT_EQ(Stored(), 1) << "what comes from the future is cleaned away";
 }
