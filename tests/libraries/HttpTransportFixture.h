@@ -10,7 +10,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/CodePageText.h"
 #include "common/OpenKey.h"
 #include "tests/support/Contains.h"
 #include "tests/support/DeviceProcess.h"
@@ -24,6 +23,14 @@
 namespace wncom::test {
 
 inline constexpr const char* kTicket = "<intentTicket><jobName>Programme</jobName></intentTicket>";
+
+inline std::string Utf8(const Bstr& text) {
+    const int units = static_cast<int>(text.length());
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, text.get(), units, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.get(), units, narrow.data(), bytes, nullptr, nullptr);
+    return narrow;
+}
 
 class HttpTransportTest : public testing::Test {
 protected:
@@ -93,8 +100,8 @@ protected:
             FAILED(info->GetSource(source.put()))) {
             return "none";
         }
-        EXPECT_EQ(Narrow(CP_UTF8, source.view()), "wnHttpTransport");
-        return Narrow(CP_UTF8, description.view());
+        EXPECT_EQ(Utf8(source), "wnHttpTransport");
+        return Utf8(description);
     }
 
 private:
@@ -114,7 +121,7 @@ private:
 class ExceptionSlot {
 public:
     BSTR* operator&() { return m_text.put(); }
-    std::string Text() const { return Narrow(CP_UTF8, m_text.view()); }
+    std::string Text() const { return Utf8(m_text); }
 
 private:
     Bstr m_text;

@@ -118,7 +118,9 @@ TEST_F(HttpTransportTest, InvalidIdOrNameIsRefusedBeforeItIsSent) {
     const Object object = Make("http://127.0.0.1:1");
     ExceptionSlot exception;
     for (const char* id : {"", "a\r\nX: y", "../jobs", "a b", "\xE9"}) {
-        if (*id) EXPECT_EQ(FailureOf([&] { object->SetSessionID(id); }), "invalid session id") << id;
+        if (*id) {
+            EXPECT_EQ(FailureOf([&] { object->SetSessionID(id); }), "invalid session id") << id;
+        }
         EXPECT_EQ(FailureOf([&] { object->GetEventProperties(id); }), "invalid event name") << id;
         EXPECT_EQ(FailureOf([&] { object->Unsubscribe(id); }), "invalid subscription id") << id;
         EXPECT_EQ(FailureOf([&] { object->Resubscribe(id, "60", &exception); }), "invalid subscription id") << id;

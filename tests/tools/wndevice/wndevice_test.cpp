@@ -87,7 +87,9 @@ TEST_F(WndeviceJobTest, SessionIsOpenUntilItEndsOrIsReplaced) {
 TEST_F(WndeviceJobTest, OfTenThousandSessionsTheOnesInUseStay) {
     const std::string idle = Session();
     for (int i = 0; i < 9'999; ++i) {
-        if (i == 5'000) EXPECT_EQ(Post("/jobs", "<a/>")->status, 201);
+        if (i == 5'000) {
+            EXPECT_EQ(Post("/jobs", "<a/>")->status, 201);
+        }
         ASSERT_EQ(Session().size(), 32u);
     }
     EXPECT_EQ(Post("/jobs", "<a/>")->status, 201);
