@@ -142,7 +142,7 @@ Bstr ParseSubmitResponse(WideView response, const WCHAR* keyword, const WCHAR* a
 }
 
 DataAddress ParseSubmitResponse4URI(WideView response) {
-    const TraceScope trace("CWendrel::ParseSubmitResponse4URI", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::ParseSubmitResponse4URI", "Wendrel");
     DataAddress found;
     found.address = ParseSubmitResponse(response, OLESTR("PostURI"), nullptr);
     if (!found.address) found.address = ParseSubmitResponse(response, OLESTR("PostURI"), OLESTR("URI"));
@@ -163,7 +163,7 @@ DataAddress ParseSubmitResponse4URI(WideView response) {
 }
 
 Bstr ParseSubmitResponse4JobURI(WideView response) {
-    const TraceScope trace("CWendrel::ParseSubmitResponse4JobURI", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::ParseSubmitResponse4JobURI", "Wendrel");
     return ParseSubmitResponse(response, OLESTR("JobUri"), nullptr);
 }
 

@@ -38,19 +38,19 @@ private:
 }  // namespace
 
 _WNSimpleCache::_WNSimpleCache() {
-    const TraceScope trace("_WNSimpleCache::_WNSimpleCache", "WNSimpleCache", __LINE__);
+    const TraceScope trace("_WNSimpleCache::_WNSimpleCache", "WNSimpleCache");
     // A creation may succeed with nothing.
     m_initialised = SUCCEEDED(m_manager.CreateInstance(kProgIdXMLCacheMgr)) && m_manager;
 }
 
 _WNSimpleCache::~_WNSimpleCache() {
-    const TraceScope trace("_WNSimpleCache::~_WNSimpleCache", "WNSimpleCache", __LINE__);
+    const TraceScope trace("_WNSimpleCache::~_WNSimpleCache", "WNSimpleCache");
     if (m_initialised) m_manager.Release();
     m_initialised = false;
 }
 
 bool _WNSimpleCache::ToCache(BSTR identifier, UINT days, const WCHAR* ticket) {
-    const TraceScope trace("_WNSimpleCache::ToCache", "WNSimpleCache", __LINE__);
+    const TraceScope trace("_WNSimpleCache::ToCache", "WNSimpleCache");
     if (!m_initialised) {
         Log(1, "WNSimpleCache::SimpleCache not init'ed\n");
         return false;
@@ -72,7 +72,7 @@ bool _WNSimpleCache::ToCache(BSTR identifier, UINT days, const WCHAR* ticket) {
 }
 
 MallocText<WCHAR> _WNSimpleCache::FromCache(BSTR identifier) {
-    const TraceScope trace("_WNSimpleCache::FromCache", "WNSimpleCache", __LINE__);
+    const TraceScope trace("_WNSimpleCache::FromCache", "WNSimpleCache");
     if (!m_initialised) {
         Log(1, "WNSimpleCache::SimpleCache not init'ed\n");
         return nullptr;
@@ -91,7 +91,7 @@ MallocText<WCHAR> _WNSimpleCache::FromCache(BSTR identifier) {
 }
 
 int _WNSimpleCache::RemoveFromCache(BSTR identifier) {
-    const TraceScope trace("_WNSimpleCache::RemoveFromCache", "WNSimpleCache", __LINE__);
+    const TraceScope trace("_WNSimpleCache::RemoveFromCache", "WNSimpleCache");
     if (!m_initialised) {
         Log(1, "WNSimpleCache::SimpleCache not init'ed\n");
         return 0;

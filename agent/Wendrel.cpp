@@ -9,11 +9,11 @@ namespace wncom {
 
 CWendrel::CWendrel() {
     m_logging.Start("CWendrel");
-    const TraceScope trace("CWendrel::CWendrel", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::CWendrel", "Wendrel");
 }
 
 CWendrel::~CWendrel() {
-    const TraceScope trace("CWendrel::~CWendrel", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::~CWendrel", "Wendrel");
     m_serviceDesc.Release();
     m_transportDesc.Release();
     m_logging.End();
@@ -40,7 +40,7 @@ bool ValidateSD(IServiceDesc& sd) {
 
 HRESULT CWendrel::InitByParent(IUnknown* pISD, IUnknown* pTD) {
     return Guarded([&] {
-        const TraceScope trace("CWendrel::InitByParent", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::InitByParent", "Wendrel");
         return Initialise(pISD, pTD);
     });
 }
@@ -49,15 +49,16 @@ HRESULT CWendrel::Initialise(IUnknown* serviceDescription, IUnknown* transportDe
     if (!transportDescription) return E_FAIL;
     if (m_serviceDesc) return E_UNEXPECTED;
 
-    // Nothing is kept before both are known to be good.
-    CPComPtr<ITransportDesc> transport;
-    if (FAILED(CPComPtr<IUnknown>(transportDescription).QueryInterface(transport))) return E_FAIL;
+    // Nothing is kept before both are known to be good. The service description is asked first, so that a bad one is
+    // logged whatever the other is.
     CPComPtr<IServiceDesc> service;
     if (serviceDescription) {
         const HRESULT status = CPComPtr<IUnknown>(serviceDescription).QueryInterface(service);
         if (FAILED(status)) Log(1, "Couldn't get SD interface - %08lx\n", status);
     }
-    if (!transport || !service || !ValidateSD(*service.get())) return E_FAIL;
+    if (!service || !ValidateSD(*service.get())) return E_FAIL;
+    CPComPtr<ITransportDesc> transport;
+    if (FAILED(CPComPtr<IUnknown>(transportDescription).QueryInterface(transport)) || !transport) return E_FAIL;
     m_transportDesc = transport;
     m_serviceDesc = service;
     return Connect("failed SD->GetAddress()==%08lx\n").status;
@@ -80,7 +81,7 @@ HRESULT CWendrel::StartSession() {
 }
 
 HRESULT CWendrel::StartSessionOfService() {
-    const TraceScope trace("CWendrel::StartSession", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::StartSession", "Wendrel");
     if (!m_serviceDesc) return E_UNEXPECTED;
     const Connection connection = Connect("failed StartSession SD->GetAddress()==%08lx\n");
     if (!connection.made) return connection.status;
@@ -97,7 +98,7 @@ HRESULT CWendrel::StartSessionOfService() {
 
 HRESULT CWendrel::EndSession() {
     return Guarded([&] {
-        const TraceScope trace("CWendrel::EndSession", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::EndSession", "Wendrel");
         if (!m_serviceDesc) return E_UNEXPECTED;
         const Connection connection = Connect("failed SD->GetAddress()==%08lx\n");
         if (connection.made) m_bridge.EndSession();
@@ -107,7 +108,7 @@ HRESULT CWendrel::EndSession() {
 
 HRESULT CWendrel::RestartSession() {
     return Guarded([&] {
-        const TraceScope trace("CWendrel::RestartSession", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::RestartSession", "Wendrel");
         if (m_transportDesc) m_transportDesc->SetSessionContext(nullptr);
         return StartSessionOfService();
     });

@@ -17,7 +17,7 @@ UINT CacheLifetime() { return GetPrivateProfileIntA("Cache", "CapTicket", 1, "qb
 
 HRESULT CWendrel::GetCapabilitiesTicket(BSTR* pTicket) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::GetCapabilitiesTicket", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::GetCapabilitiesTicket", "Wendrel");
         if (!pTicket) {
             Log(3, "CWendrel::GetCapabilitiesTicket Parameter \"pTicket\" is NULL!");
             return E_FAIL;
@@ -46,7 +46,7 @@ HRESULT CWendrel::GetCapabilitiesTicket(BSTR* pTicket) {
 }
 
 MallocText<WCHAR> CWendrel::GetCapabilitiesTicketViaOrb(BSTR identifier) {
-    const TraceScope trace("CWendrel::GetCapabilitiesTicketViaOrb", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::GetCapabilitiesTicketViaOrb", "Wendrel");
     if (FAILED(StartSession())) return nullptr;
     MallocText<WCHAR> ticket;
     const LONG length = m_bridge.GetCapTicket(identifier, &ticket);

@@ -11,7 +11,7 @@ namespace wncom {
 
 HRESULT CWendrel::GetData(BSTR xdmPath, BSTR xdmPrefixes, BSTR* ExceptionInfo, BSTR* xdmDocument) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::GetData", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::GetData", "Wendrel");
         if (xdmDocument) *xdmDocument = nullptr;
         if (ExceptionInfo) *ExceptionInfo = nullptr;
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
@@ -30,7 +30,7 @@ HRESULT CWendrel::GetData(BSTR xdmPath, BSTR xdmPrefixes, BSTR* ExceptionInfo, B
 
 HRESULT CWendrel::SetData(BSTR xdmSetDocument, LONG FailureDetails, BSTR* ExceptionInfo) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::SetData", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::SetData", "Wendrel");
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
 
         WCHAR* slot = nullptr;

@@ -33,7 +33,7 @@ HRESULT HandOutList(const WCHAR* document, BSTR* exceptionInfo, BSTR* list) {
 HRESULT CWendrel::Subscribe(BSTR SubscriptionInfo, BSTR FilterProperties, BSTR ConsumerInterface, BSTR,
                             BSTR* ExceptionInfo, BSTR* SubscriptionID) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::Subscribe", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::Subscribe", "Wendrel");
         if (!m_serviceDesc) return E_UNEXPECTED;
         Bstr address;
         const HRESULT status = m_serviceDesc->GetAddress(address.put());
@@ -60,7 +60,7 @@ HRESULT CWendrel::Subscribe(BSTR SubscriptionInfo, BSTR FilterProperties, BSTR C
 
 HRESULT CWendrel::Unsubscribe(BSTR SubscriptionID, BSTR, BSTR*) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::Unsubscribe", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::Unsubscribe", "Wendrel");
         if (!SubscriptionID || !*SubscriptionID) return S_OK;
         Log(3, "Unsubscribing %S\n", SubscriptionID);
         const HRESULT status = StartSession();
@@ -71,7 +71,7 @@ HRESULT CWendrel::Unsubscribe(BSTR SubscriptionID, BSTR, BSTR*) {
 
 HRESULT CWendrel::GetSupportedEvents(BSTR, BSTR* ExceptionInfo, BSTR* EventList) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::GetSupportedEvents", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::GetSupportedEvents", "Wendrel");
         if (!m_serviceDesc) return E_UNEXPECTED;
         PCharArray list;
         m_bridge.GetSupportedEvents(&list);
@@ -84,7 +84,7 @@ HRESULT CWendrel::GetSupportedEvents(BSTR, BSTR* ExceptionInfo, BSTR* EventList)
 
 HRESULT CWendrel::GetEventProperties(BSTR EventName, BSTR, BSTR* ExceptionInfo, BSTR* EventPropertyList) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::GetEventProperties", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::GetEventProperties", "Wendrel");
         if (!m_serviceDesc) return E_UNEXPECTED;
         const MallocText<char> name = WCharToUtf8(EventName);
         // Null would ask for the properties of all events.
@@ -99,23 +99,23 @@ HRESULT CWendrel::GetEventProperties(BSTR EventName, BSTR, BSTR* ExceptionInfo, 
 }
 
 HRESULT CWendrel::GetSubscriptionIDList(BSTR, BSTR*, BSTR*) {
-    const TraceScope trace("CWendrel::GetSubscriptionIDList", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::GetSubscriptionIDList", "Wendrel");
     return E_NOTIMPL;
 }
 
 HRESULT CWendrel::GetSubscriptionDetails(BSTR, BSTR, BSTR*, BSTR*) {
-    const TraceScope trace("CWendrel::GetSubscriptionDetails", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::GetSubscriptionDetails", "Wendrel");
     return E_NOTIMPL;
 }
 
 HRESULT CWendrel::GetEventSystemCapabilities(BSTR, BSTR*, BSTR*) {
-    const TraceScope trace("CWendrel::GetEventSystemCapabilities", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::GetEventSystemCapabilities", "Wendrel");
     return E_NOTIMPL;
 }
 
 HRESULT CWendrel::GetEventCapabilities(BSTR* ExceptionInfo, BSTR* eventCapabilitiesTicket) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::GetEventCapabilities", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::GetEventCapabilities", "Wendrel");
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
         if (ExceptionInfo) *ExceptionInfo = nullptr;
         if (eventCapabilitiesTicket) *eventCapabilitiesTicket = nullptr;
@@ -131,7 +131,7 @@ HRESULT CWendrel::GetEventCapabilities(BSTR* ExceptionInfo, BSTR* eventCapabilit
 
 HRESULT CWendrel::SubscribeForEvents(BSTR eventSubscription, BSTR* ExceptionInfo, BSTR* subscriptionResultTicket) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::SubscribeForEvents", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::SubscribeForEvents", "Wendrel");
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
         if (ExceptionInfo) *ExceptionInfo = nullptr;
         if (subscriptionResultTicket) *subscriptionResultTicket = nullptr;
@@ -147,7 +147,7 @@ HRESULT CWendrel::SubscribeForEvents(BSTR eventSubscription, BSTR* ExceptionInfo
 
 HRESULT CWendrel::Resubscribe(BSTR SubscriptionID, BSTR duration, BSTR* ExceptionInfo) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::Resubscribe", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::Resubscribe", "Wendrel");
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
         if (ExceptionInfo) *ExceptionInfo = nullptr;
         if (m_bridge.Resubscribe(SubscriptionID, duration, ExceptionInfo)) return S_OK;
@@ -158,7 +158,7 @@ HRESULT CWendrel::Resubscribe(BSTR SubscriptionID, BSTR duration, BSTR* Exceptio
 
 HRESULT CWendrel::UnsubscribeForEvents(BSTR SubscriptionID, BSTR* ExceptionInfo) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::UnsubscribeForEvents", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::UnsubscribeForEvents", "Wendrel");
         if (const HRESULT status = StartSession(); FAILED(status)) return status;
         if (ExceptionInfo) *ExceptionInfo = nullptr;
         if (m_bridge.UnsubscribeForEvents(SubscriptionID, ExceptionInfo)) return S_OK;

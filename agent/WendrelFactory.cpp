@@ -10,11 +10,11 @@ namespace wncom {
 
 CWendrelParent::CWendrelParent() {
     m_logging.Start("CWendrelParent");
-    const TraceScope trace("CWendrelParent::CWendrelParent", "WendrelFactory", __LINE__);
+    const TraceScope trace("CWendrelParent::CWendrelParent", "WendrelFactory");
 }
 
 CWendrelParent::~CWendrelParent() {
-    const TraceScope trace("CWendrelParent::~CWendrelParent", "WendrelFactory", __LINE__);
+    const TraceScope trace("CWendrelParent::~CWendrelParent", "WendrelFactory");
     m_logging.End();
 }
 
@@ -25,7 +25,7 @@ void* CWendrelParent::FindInterface(REFIID iid) noexcept {
 
 HRESULT CWendrelParent::CreateWendrel(IUnknown* pIServiceDesc, IWendrel** ppIWendrel) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrelParent::CreateWendrel", "WendrelFactory", __LINE__);
+        const TraceScope trace("CWendrelParent::CreateWendrel", "WendrelFactory");
         if (!pIServiceDesc) {
             Log(3, "CWendrelParent::CreateWendrel Parameter \"pIServiceDesc\" is NULL!");
             return E_FAIL;
@@ -64,7 +64,7 @@ HRESULT CWendrelParent::MakeAgent(IUnknown* serviceDescription, IWendrel** agent
 }
 
 HRESULT CWendrelParent::CreateIFace(REFCLSID clsid, REFIID iid, void** object) {
-    const TraceScope trace("CWendrelParent::CreateIFace", "WendrelFactory", __LINE__);
+    const TraceScope trace("CWendrelParent::CreateIFace", "WendrelFactory");
     CPComPtr<IUnknown> created;
     const HRESULT status = CoCreateInstance(
         clsid, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER, iid, created.put_void());

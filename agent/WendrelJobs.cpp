@@ -12,7 +12,7 @@ namespace wncom {
 
 HRESULT CWendrel::SendIntentTicket(BSTR Ticket, IUnknown** ppITransportDesc) {
     return Guarded([&]() -> HRESULT {
-        const TraceScope trace("CWendrel::SendIntentTicket", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::SendIntentTicket", "Wendrel");
         if (!ppITransportDesc) {
             Log(3, "CWendrel::SendIntentTicket Parameter \"ppITransportDesc\" is NULL!");
             return E_FAIL;
@@ -29,7 +29,7 @@ HRESULT CWendrel::SendIntentTicket(BSTR Ticket, IUnknown** ppITransportDesc) {
 
 HRESULT CWendrel::SubmitJob(BSTR intentTicket, BSTR* ResponseTicket) {
     return Guarded([&] {
-        const TraceScope trace("CWendrel::SubmitJob", "Wendrel", __LINE__);
+        const TraceScope trace("CWendrel::SubmitJob", "Wendrel");
         if (ResponseTicket) *ResponseTicket = nullptr;
         return Submit(intentTicket, ResponseTicket);
     });
@@ -57,17 +57,17 @@ HRESULT CWendrel::Submit(BSTR intentTicket, BSTR* responseTicket) {
 }
 
 HRESULT CWendrel::CancelJobWithMessage(BSTR, BSTR) {
-    const TraceScope trace("CWendrel::CancelJobWithMessage", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::CancelJobWithMessage", "Wendrel");
     return E_FAIL;
 }
 
 HRESULT CWendrel::CancelJob(BSTR) {
-    const TraceScope trace("CWendrel::CancelJob", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::CancelJob", "Wendrel");
     return E_FAIL;
 }
 
 HRESULT CWendrel::QueryJobStatus(BSTR, BSTR* intentTicket) {
-    const TraceScope trace("CWendrel::QueryJobStatus", "Wendrel", __LINE__);
+    const TraceScope trace("CWendrel::QueryJobStatus", "Wendrel");
     if (intentTicket) *intentTicket = nullptr;
     return E_FAIL;
 }

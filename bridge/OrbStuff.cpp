@@ -15,7 +15,7 @@ namespace wncom {
 OrbStuff::OrbStuff() noexcept { Log(3, "OrbStuff::TRACESIZE=%u\n", kTraceSize); }
 
 OrbStuff::~OrbStuff() {
-    const TraceScope scope("OrbStuff::~OrbStuff", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::~OrbStuff", ".\\OrbStuff");
     m_szServiceURI.reset();
     Disconnect();
     mFactory.reset();
@@ -48,7 +48,7 @@ void OrbStuff::SetServiceURI(const WCHAR* szServiceURI) noexcept {
 }
 
 MallocText<WCHAR> OrbStuff::StartSession() noexcept {
-    const TraceScope scope("OrbStuff::StartSession", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::StartSession", ".\\OrbStuff");
     CString sessionId;
     GuardedCall(1, "Got EXCEPTION calling RmtJobControl->StartSession\n",
                 [&] { sessionId = Remote().StartSession(); });
@@ -56,12 +56,12 @@ MallocText<WCHAR> OrbStuff::StartSession() noexcept {
 }
 
 void OrbStuff::EndSession() noexcept {
-    const TraceScope scope("OrbStuff::EndSession", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::EndSession", ".\\OrbStuff");
     GuardedCall(1, "ORBStuff::EndSession failed!", [&] { Remote().EndSession(); });
 }
 
 void OrbStuff::SetSessionID(const WCHAR* szSessionID) noexcept {
-    const TraceScope scope("OrbStuff::SetSessionID", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::SetSessionID", ".\\OrbStuff");
     Log(3, "OrbStuff::szSessionID: %S\n", szSessionID);
     GuardedCall(1, "ORBStuff::SetSessionID failed!", [&] { Remote().SetSessionID(CString(szSessionID)); });
 }

@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <new>
+#include <string>
 
+#include "common/CodePageText.h"
 #include "common/MallocText.h"
-#include "transport/SystemCodePage.h"
 #include "wncom/Logging.h"
 #include "wncom/TraceScope.h"
 
@@ -22,7 +23,7 @@ LONG LengthOf(const RemoteArray* remote) noexcept {
 
 // Through UTF-16 and back, so that the agent gets only bytes that mean something in the code page.
 MallocText<char> CopyElement(const CString& element) {
-    const CString text = NarrowToSystemCodePage(WidenFromSystemCodePage(element).get());
+    const std::string text = Narrow(CP_ACP, Widen(CP_ACP, element));
     MallocText<char> copy(_strdup(text.c_str()));
     if (!copy) throw std::bad_alloc();
     return copy;
@@ -37,7 +38,7 @@ void FreePCharArray(char** list) noexcept {
 }
 
 LONG RemoteArrayPtrToPCharArray(const RemoteArray* remote, PCharArray* slot) noexcept {
-    const TraceScope scope("RemoteArrayPtrToPCharArray", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("RemoteArrayPtrToPCharArray", ".\\OrbStuff");
     const LONG length = LengthOf(remote);
     if (length == 0) return 0;
     PCharArray list(static_cast<char**>(std::calloc(static_cast<std::size_t>(length) + 1, sizeof(char*))));

@@ -59,7 +59,8 @@ private:
 
     HRESULT LoadDlls(IXMLSimpleAccessor& accessor);
     CPBstrBuffer ChooseType(const CString& entry);
-    void LoadTransportLibrary(const CString& path, const CString& type);
+    // A path that is not whole is no path of a library, and loading it fails.
+    void LoadTransportLibrary(const CString& path, bool whole, const CString& type);
 
     CPBstrBuffer m_DllName;         // file name of the library chosen last
     HMODULE m_hModule = nullptr;    // loaded from m_DllPath

@@ -1,12 +1,12 @@
-// Choosing and loading a transport library, and making and destroying its objects.
-#include <memory>
+#include "transport/JobControlFactory.h"
+
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "common/CPException.h"
-#include "transport/JobControlFactory.h"
-#include "transport/SystemCodePage.h"
+#include "common/CodePageText.h"
+#include "common/Owned.h"
 
 namespace wncom {
 namespace {
@@ -14,27 +14,25 @@ namespace {
 constexpr std::string_view kNetwork = "network";
 constexpr std::size_t kPathRoom = 1024;  // in bytes, with the terminator
 
-struct LocalDeleter {
+struct GiveBackMessage {
     void operator()(char* memory) const noexcept { LocalFree(memory); }
 };
 
 void LogSystemError(DWORD error) noexcept {
-    char* text = nullptr;
+    Owned<char*, GiveBackMessage> text;
     FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                   nullptr, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text), 0,
+                   nullptr, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(text.put()), 0,
                    nullptr);
-    const std::unique_ptr<char, LocalDeleter> owner(text);
-    Log(3, "%s\n", text);
+    Log(3, "%s\n", text.get());
 }
 
-// In the C locale. A text that has no such form, or that memory is too short for, must not be taken for an empty one:
-// what is left of the path could name another library.
-CString NarrowForm(const WCHAR* text) {
+// Appends the text's form in the C locale. False when it has none, or when memory is too short for it: what is left
+// of the path could name another library.
+bool AppendNarrow(CString& path, const WCHAR* text) {
     CPBstrBuffer copy(text);
     const char* narrow = copy.GetMultiByte();
-    if (!narrow && text && *text)
-        throw CPException("JobControlFactory::selectBinary(), LoadLibrary() failed", E_FAIL);
-    return CString(narrow);
+    if (narrow) path += narrow;
+    return narrow || !text || !*text;
 }
 
 template <class Function>
@@ -95,8 +93,7 @@ bool JobControlFactory::selectBinary(CString serviceAddress) {
     try {
         const CString entry = checkPortMap(serviceAddress);
         WNCOM_LOG(4, "JobControlFactory::selectBinary, netCheck: %S.", OLESTR("network"));
-        WNCOM_LOG(4, "JobControlFactory::selectBinary, portMapTransportEntry: %S.",
-                  WidenFromSystemCodePage(entry).get());
+        WNCOM_LOG(4, "JobControlFactory::selectBinary, portMapTransportEntry: %S.", WidenToBstr(CP_ACP, entry).get());
         if (entry.empty()) {
             Log(4, "JobControlFactory::selectBinary, portMapTransportEntry is empty");
         } else {
@@ -113,10 +110,12 @@ bool JobControlFactory::selectBinary(CString serviceAddress) {
         const CString type(key.GetMultiByte());
         Log(4, "JobControlFactory::selectBinary, found type %s in the map.", type);
 
-        const CString name = NarrowForm(found->second.c_str());
+        CString name;
+        const bool nameFits = AppendNarrow(name, found->second.c_str());
         m_DllName.Assign(name.c_str());
         WNCOM_LOG(4, "JobControlFactory::selectBinary, m_DllName: %s.", m_DllName.GetMultiByte());
-        CString path = NarrowForm(m_BuildDllPath.Text());
+        CString path;
+        const bool folderFits = AppendNarrow(path, m_BuildDllPath.Text());
         Log(4, "JobControlFactory::selectBinary, partial m_DllPath: %s.", path);
         path += name;
         Log(4, "JobControlFactory::selectBinary, complete m_DllPath: %s.", path);
@@ -124,7 +123,7 @@ bool JobControlFactory::selectBinary(CString serviceAddress) {
         if (m_hModule && path == m_DllPath) {
             Log(4, "JobControlFactory::selectBinary, skipping reload of same DLL");
         } else {
-            LoadTransportLibrary(path, type);
+            LoadTransportLibrary(path, nameFits && folderFits, type);
         }
     } catch (const CPException& exception) {
         Log(2, "JobControlFactory::selectBinary() error, %s", exception.what());
@@ -134,7 +133,7 @@ bool JobControlFactory::selectBinary(CString serviceAddress) {
     return true;
 }
 
-void JobControlFactory::LoadTransportLibrary(const CString& path, const CString& type) {
+void JobControlFactory::LoadTransportLibrary(const CString& path, bool whole, const CString& type) {
     Log(4, "JobControlFactory::selectBinary, loading DLL");
     m_DllPath = path;
     if (m_hModule) {
@@ -142,8 +141,8 @@ void JobControlFactory::LoadTransportLibrary(const CString& path, const CString&
         Delete(nullptr);
         FreeLibrary(std::exchange(m_hModule, nullptr));
     }
-    DWORD error = ERROR_FILENAME_EXCED_RANGE;
-    if (path.length() < kPathRoom) {
+    DWORD error = whole ? ERROR_FILENAME_EXCED_RANGE : ERROR_INVALID_NAME;
+    if (whole && path.length() < kPathRoom) {
         m_hModule = LoadLibraryA(path.c_str());
         error = GetLastError();
     }

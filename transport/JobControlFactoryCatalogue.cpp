@@ -1,4 +1,4 @@
-// Reading "Transports.xml": where it is, and what it lists.
+// JobControlFactory reads "Transports.xml": where it is, and what it lists.
 #include <cstdio>
 #include <new>
 #include <string>
@@ -6,6 +6,7 @@
 
 #include "common/CPException.h"
 #include "transport/JobControlFactory.h"
+#include "transport/RegistryPaths.h"
 #include "wncom/Bstr.h"
 
 namespace wncom {
@@ -47,6 +48,31 @@ std::basic_string<WCHAR> String(const CPBstrBuffer& text) {
 }
 
 }  // namespace
+
+CPHeapBuffer JobControlFactory::GetPathToTransportsXMLFromRegistry() {
+    Log(4, "Starting GetPathToTransportsXMLFromRegistry().");
+    try {
+        return GetPathFromRegistry("pathtotransportsxml");
+    } catch (const CPException& exception) {
+        Log(2, "JobControlFactory::GetPathToTransportsXMLFromRegistry() got exception from GetPathFromRegistry(): %s",
+            exception.what());
+        throw CPException(
+            "JobControlFactory::GetPathToTransportsXMLFromRegistry() got exception from GetPathFromRegistry()",
+            E_FAIL);
+    }
+}
+
+CPHeapBuffer JobControlFactory::GetPathToBuildDllsFromRegistry() {
+    Log(4, "Starting GetPathToBuildDllsFromRegistry().");
+    try {
+        return GetPathFromRegistry("builddllpath");
+    } catch (const CPException& exception) {
+        Log(2, "JobControlFactory::GetPathToBuildDllsFromRegistry() got exception from GetPathFromRegistry(): %s",
+            exception.what());
+        throw CPException(
+            "JobControlFactory::GetPathToBuildDllsFromRegistry() got exception from GetPathFromRegistry()", E_FAIL);
+    }
+}
 
 CPComPtr<IXMLSimpleAccessor> JobControlFactory::GetAccessor() {
     Log(3, "Entering JobControlFactory::GetAccessor()");

@@ -12,7 +12,7 @@ namespace wncom {
 
 MallocText<WCHAR> OrbStuff::Subscribe(const WCHAR* szSubscriptionInfo, const WCHAR* szFilterProperties,
                                       const WCHAR* szConsumerInterface) noexcept {
-    const TraceScope scope("OrbStuff::Subscribe", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::Subscribe", ".\\OrbStuff");
     Log(3, "m_szServiceURI is: %s\n", m_szServiceURI.get());
     Log(3, "In OS::Subscribe, subInfo is: %S\n", szSubscriptionInfo);
     Log(3, "In OS::Subscribe, filtProp is: %S\n", szFilterProperties);
@@ -34,7 +34,7 @@ void OrbStuff::Unsubscribe(const WCHAR* szSubscriptionID) noexcept {
 }
 
 void OrbStuff::_Unsubscribe(const char* szSubscriptionID) noexcept {
-    const TraceScope scope("OrbStuff::_Unsubscribe", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::_Unsubscribe", ".\\OrbStuff");
     if (!szSubscriptionID || !*szSubscriptionID) {
         Log(1, "Unsub called with NULL!\n");
         return;
@@ -45,7 +45,7 @@ void OrbStuff::_Unsubscribe(const char* szSubscriptionID) noexcept {
 }
 
 LONG OrbStuff::GetSupportedEvents(PCharArray* list) noexcept {
-    const TraceScope scope("OrbStuff::GetSupportedEvents", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::GetSupportedEvents", ".\\OrbStuff");
     LONG count = 0;
     GuardedCall(1, "OrbStuff::GetSupportedEvents exception\n", [&] {
         const std::unique_ptr<RemoteArray> names(Remote().GetSupportedEvents());
@@ -58,7 +58,7 @@ LONG OrbStuff::GetSupportedEvents(PCharArray* list) noexcept {
 }
 
 LONG OrbStuff::GetEventProperties(const char* szEventName, PCharArray* list) noexcept {
-    const TraceScope scope("OrbStuff::GetEventProperties", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::GetEventProperties", ".\\OrbStuff");
     Log(3, "Getting properties for event<%s>\n", szEventName);
     LONG count = 0;
     GuardedCall(1, "OrbStuff::GetEventProperties exception\n", [&] {
@@ -70,7 +70,7 @@ LONG OrbStuff::GetEventProperties(const char* szEventName, PCharArray* list) noe
 }
 
 LONG OrbStuff::GetEventCapabilities(BSTR* pException, MallocText<WCHAR>* pszResp) noexcept {
-    const TraceScope scope("OrbStuff::GetEventCapabilities", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::GetEventCapabilities", ".\\OrbStuff");
     CString result;
     GuardedCall(3, "Exception thrown while attempting to call GetEventCapabilities().\n",
                 [&] { result = Remote().GetEventCapabilities(pException); });
@@ -80,7 +80,7 @@ LONG OrbStuff::GetEventCapabilities(BSTR* pException, MallocText<WCHAR>* pszResp
 
 LONG OrbStuff::SubscribeForEvents(const WCHAR* szEventSubscription, BSTR* pException,
                                   MallocText<WCHAR>* pszResp) noexcept {
-    const TraceScope scope("OrbStuff::SubscribeForEvents", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::SubscribeForEvents", ".\\OrbStuff");
     if (IsNullOrEmpty(szEventSubscription)) {
         Log(1, "SubEvents called with NULL event subscription ticket!\n");
         return 0;
@@ -96,7 +96,7 @@ LONG OrbStuff::SubscribeForEvents(const WCHAR* szEventSubscription, BSTR* pExcep
 }
 
 bool OrbStuff::Resubscribe(const WCHAR* szSubscriptionID, const WCHAR* szDuration, BSTR* pException) noexcept {
-    const TraceScope scope("OrbStuff::Resubscribe", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::Resubscribe", ".\\OrbStuff");
     if (IsNullOrEmpty(szSubscriptionID)) {
         Log(1, "SubEvents called with NULL subscription ID!\n");
         return false;
@@ -112,7 +112,7 @@ bool OrbStuff::Resubscribe(const WCHAR* szSubscriptionID, const WCHAR* szDuratio
 }
 
 bool OrbStuff::UnsubscribeForEvents(const WCHAR* szSubscriptionID, BSTR* pException) noexcept {
-    const TraceScope scope("OrbStuff::UnsubscribeForEvents", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::UnsubscribeForEvents", ".\\OrbStuff");
     if (IsNullOrEmpty(szSubscriptionID)) {
         Log(1, "UnSubEvents called with NULL subscription ID!\n");
         return false;

@@ -1,9 +1,10 @@
-// Asking the port map which transport entry belongs to an address.
+// JobControlFactory asks the port map which transport entry belongs to an address.
+#include <string_view>
 #include <utility>
 
 #include "common/CPException.h"
+#include "common/CodePageText.h"
 #include "transport/JobControlFactory.h"
-#include "transport/SystemCodePage.h"
 #include "wncom/Bstr.h"
 #include "wncom/PortMap.h"
 #include "wncom/TraceScope.h"
@@ -11,11 +12,14 @@
 namespace wncom {
 namespace {
 
-// A component that claims success but gave no object has failed. S_FALSE is the ordinary word for "none".
+// A component that claims success but gave no object has failed. S_FALSE means "none".
 template <class T>
 HRESULT Found(HRESULT status, const CPComPtr<T>& object) {
     return status == S_OK && !object ? E_POINTER : status;
 }
+
+// The text up to its terminator in the narrow code page; null gives an empty one.
+CString NarrowForm(BSTR text) { return text ? CString(std::string_view(Narrow(CP_ACP, text))) : CString(); }
 
 // What a search holds; all of it is released when the search ends.
 struct Search {
@@ -38,7 +42,7 @@ struct Step {
     const char* failure;
 };
 
-// Builds the search template, finds the device and gets at its services. Only the first device is looked at.
+// Builds the search template, finds the device and takes its list of services. Only the first device is looked at.
 constexpr Step kSteps[] = {
     {[](Search& s) { return s.deviceSearch.CreateInstance(kProgIdDeviceContent); }, Demand::NotNegative,
      "JobControlFactory::getTransportTypeFromPortMapData, create deviceSearch failed"},
@@ -73,7 +77,7 @@ constexpr Step kSteps[] = {
 class ServiceWalk {
 public:
     ServiceWalk(IPortMapList& services, BSTR address)
-        : m_services(services), m_address(address), m_searched(NarrowToSystemCodePage(address)) {}
+        : m_services(services), m_address(address), m_searched(NarrowForm(address)) {}
 
     HRESULT Run(Bstr& transportInfo) {
         HRESULT status = First(transportInfo);
@@ -124,7 +128,7 @@ private:
     }
 
     bool Matches(const Bstr& address) const {
-        const CString narrow = NarrowToSystemCodePage(address.get());
+        const CString narrow = NarrowForm(address.get());
         return std::string_view(narrow).find(m_searched) != std::string_view::npos;
     }
 
@@ -146,7 +150,7 @@ private:
 
 CString JobControlFactory::checkPortMap(CString serviceAddress) {
     Log(3, "Entering JobControlFactory::checkPortMap().\n");
-    const Bstr address = WidenFromSystemCodePage(serviceAddress);
+    const Bstr address = WidenToBstr(CP_ACP, serviceAddress);
     // Held to the end, it shows that there is a port map at all; the lookup makes its own.
     CPComPtr<IPortMap> portMap;
     if (FAILED(portMap.CreateInstance(kProgIdPortMap))) {
@@ -160,13 +164,13 @@ CString JobControlFactory::checkPortMap(CString serviceAddress) {
         return {};
     }
     Log(4, "JobControlFactory::checkPortMap, transportInfo: %S\n", transportInfo.get());
-    CString result = NarrowToSystemCodePage(transportInfo.get());
-    WNCOM_LOG(3, "JobControlFactory::checkPortMap() succeeded, result is %S", WidenFromSystemCodePage(result).get());
+    CString result = NarrowForm(transportInfo.get());
+    WNCOM_LOG(3, "JobControlFactory::checkPortMap() succeeded, result is %S", WidenToBstr(CP_ACP, result).get());
     return result;
 }
 
 HRESULT JobControlFactory::getTransportTypeFromPortMapData(BSTR serviceAddress, BSTR* transportInfo) {
-    const TraceScope scope("JobControlFactory::getTransportTypeFromPortMapData", ".\\JobControlFactory", 611);
+    const TraceScope trace("JobControlFactory::getTransportTypeFromPortMapData", ".\\JobControlFactory", 611);
     Log(4, "Entering JobControlFactory::getTransportTypeFromPortMapData, looking for serviceAddress: %S",
         serviceAddress);
     Log(4, "JobControlFactory::getTransportTypeFromPortMapData, create wendrel factory succeeded");

@@ -23,7 +23,7 @@ constexpr std::size_t kCapabilitiesRequestRoom = 110;  // beside the workflow id
 }  // namespace
 
 LONG OrbStuff::GetCapTicket(const WCHAR* szWorkflowID, MallocText<WCHAR>* pszResp) noexcept {
-    const TraceScope scope("OrbStuff::GetCapTicket", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::GetCapTicket", ".\\OrbStuff");
     if (!pszResp) {
         Log(3, "OrbStuff::GetCap Parameter \"pszResp\" is NULL!");
         return 0;
@@ -67,7 +67,7 @@ LONG OrbStuff::GetCapTicket(const WCHAR* szWorkflowID, MallocText<WCHAR>* pszRes
 }
 
 LONG OrbStuff::SubmitJob(const WCHAR* szTicket, MallocText<WCHAR>* pszResp) noexcept {
-    const TraceScope scope("OrbStuff::SubmitJob", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::SubmitJob", ".\\OrbStuff");
     if (!szTicket) {
         Log(3, "OrbStuff::SubmitJob Parameter \"szTicket\" is NULL!");
         return kNoTicket;
@@ -88,7 +88,7 @@ LONG OrbStuff::SubmitJob(const WCHAR* szTicket, MallocText<WCHAR>* pszResp) noex
 
 LONG OrbStuff::GetData(const WCHAR* szXDMPath, const WCHAR* szXDMPrefixes, BSTR* pException,
                        MallocText<WCHAR>* pszResp) noexcept {
-    const TraceScope scope("OrbStuff::GetData", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::GetData", ".\\OrbStuff");
     if (!szXDMPath) {
         Log(3, "OrbStuff::GetData Parameter \"szXDMPath\" is NULL!");
         return kNoPath;
@@ -105,7 +105,7 @@ LONG OrbStuff::GetData(const WCHAR* szXDMPath, const WCHAR* szXDMPrefixes, BSTR*
 }
 
 bool OrbStuff::SetData(const WCHAR* szXDMSetDocument, bool failureDetails, WCHAR** pszText) noexcept {
-    const TraceScope scope("OrbStuff::SetData", ".\\OrbStuff", __LINE__);
+    const TraceScope trace("OrbStuff::SetData", ".\\OrbStuff");
     if (!szXDMSetDocument) {
         Log(3, "OrbStuff::SetData Parameter \"szXDMSetDocument\" is NULL!");
         return false;
