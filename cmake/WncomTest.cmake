@@ -15,11 +15,17 @@ add_library(
     wncom_test_support STATIC
     ${host_sources}
     ${CMAKE_SOURCE_DIR}/tests/support/Com.cpp
+    ${CMAKE_SOURCE_DIR}/tests/support/Golden.cpp
     ${CMAKE_SOURCE_DIR}/tests/support/LogCapture.cpp # linked only where it is used, for it needs the logger
     ${CMAKE_SOURCE_DIR}/tests/support/main.cpp
     ${CMAKE_SOURCE_DIR}/tests/support/TestHome.cpp
 )
 target_link_libraries(wncom_test_support PRIVATE wncom_options PUBLIC wncom_headers GTest::gtest GTest::gmock)
+
+# Where the golden files lie. Not compiled in, so that a clone elsewhere compiles the same. Windows programs run under
+# Wine, where drive Z is the host's root.
+set(host_root $<$<PLATFORM_ID:Windows>:Z:>)
+file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/bin/tests-folder CONTENT "${host_root}${CMAKE_SOURCE_DIR}/tests\n")
 
 # The programs that the thread sanitizer runs, and what they load: those labelled "threads".
 add_custom_target(threads_tests)

@@ -1,8 +1,10 @@
 #include "tests/agent/AgentFixture.h"
 
 #include <filesystem>
-#include <regex>
-#include <sstream>
+#include <string_view>
+#include <system_error>
+
+#include "tests/fakes/Happened.h"
 
 namespace wncom::test {
 
@@ -12,7 +14,7 @@ OutText::~OutText() {
 
 std::string OutText::Shown() const {
     if (m_place == m_own.get()) return "(untouched)";
-    return m_place ? Narrow(m_place) : "(null)";
+    return m_place ? ToUtf8(m_place) : "(null)";
 }
 
 AgentFixture::AgentFixture() : m_module(ProgramFolder() + "/wnCOM.dll") {
@@ -20,7 +22,7 @@ AgentFixture::AgentFixture() : m_module(ProgramFolder() + "/wnCOM.dll") {
     EXPECT_EQ(Hex(RegisterFakeComponents(ProgramFolder())), Hex(S_OK));
     SetRegistryValue(kLoggingKey, "pathtotransportsxml", HomePath() + "/");
     SetRegistryValue(kLoggingKey, "builddllpath", ProgramFolder() + "/");
-    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",5");
+    SetLogLevel(5);
     Prepare();
 }
 
@@ -29,32 +31,27 @@ AgentFixture::~AgentFixture() {
     EXPECT_EQ(Hex(CanUnload()), Hex(S_OK)) << "the module is still locked";
 }
 
+void AgentFixture::SetLogLevel(int level) const {
+    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + "," + std::to_string(level));
+}
+
 void AgentFixture::Prepare() {
     Script().Reset();
     Script().SetCatalogue("http", {{"http", "FakeTransport.dll"}});
     Script().SetServices({{kAddress, "network"}});
     Script().Answer("FakeTransport.StartSession", "session-1");
     Script().Answer("FakeTransport.SubmitJob", kResponse);
-    ClearLog();
+    // The file stays: the module may hold it open.
+    std::error_code absent;
+    const auto size = std::filesystem::file_size(m_logPath, absent);
+    m_logStart = absent ? 0 : static_cast<std::size_t>(size);
 }
 
-std::vector<std::string> AgentFixture::Log() const {
-    static const std::regex kPrefix("^[^\\]]*/([0-9])\\] [A-Za-z]+::");
-    std::vector<std::string> lines;
-    std::istringstream text(ReadWholeFile(m_logPath).substr(m_logStart));
-    for (std::string line; std::getline(text, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        line = std::regex_replace(line, kPrefix, "$1 ");
-        if (line.empty() || line[0] == '5' || line.starts_with("1 CI ")) continue;
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-// The file stays: the module may hold it open.
-void AgentFixture::ClearLog() {
-    m_logStart =
-        std::filesystem::exists(m_logPath) ? static_cast<std::size_t>(std::filesystem::file_size(m_logPath)) : 0;
+std::string AgentFixture::Happened(bool whole) const {
+    const std::string log = ReadWholeFile(m_logPath).substr(m_logStart);
+    if (!whole) return test::Happened(log);
+    // The buffer's lines tell sizes of paths and addresses of memory.
+    return test::Happened(log, [](std::string_view line) { return HoldsOneOf(line, {"CPWStringBuffer::"}); });
 }
 
 CPComPtr<IServiceDesc> AgentFixture::Service(const char* id, const char* address) {

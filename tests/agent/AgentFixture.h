@@ -2,7 +2,6 @@
 // components and the transport library are the scripted fakes.
 #pragma once
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,6 +10,7 @@
 #include "tests/fakes/FakeScript.h"
 #include "tests/support/Com.h"
 #include "tests/support/TestHome.h"
+#include "tests/support/Utf8Text.h"
 #include "wncom/Descriptions.h"
 #include "wncom/wnCOM.h"
 
@@ -31,7 +31,7 @@ public:
 
     // For one call; a text that an earlier call stored is lost.
     BSTR* put() { return &m_place; }
-    // The text that was stored, "(null)" for null, or "(untouched)".
+    // The text that was stored in UTF-8, "(null)" for null, or "(untouched)".
     std::string Shown() const;
 
 private:
@@ -48,9 +48,12 @@ protected:
 
     // Back to the script and the settings that the test began with.
     void Prepare();
-    // What the log holds, as "level message"; lines of the call trace and of the creation markers are left out.
-    std::vector<std::string> Log() const;
-    void ClearLog();
+    // Takes effect with the next object that starts a log.
+    void SetLogLevel(int level) const;
+    // What was asked of the outside and logged since Prepare, a line each, without the string buffer's own lines.
+    // Unless whole, the lines of transport selection and of component creation are left out too: other tests look at
+    // those.
+    std::string Happened(bool whole = false) const;
 
     // A service description of the fakes, without a trace in the script.
     CPComPtr<IServiceDesc> Service(const char* id = "device-7", const char* address = kAddress);

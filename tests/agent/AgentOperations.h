@@ -1,5 +1,5 @@
-// The operations of the agent that ask something of its service, for tests that walk all of them. The capabilities
-// ticket is not among them: its cache has faults of its own.
+// The operations of the agent as a table, for tests that walk all of them. The capabilities ticket is not among them:
+// its cache has faults of its own.
 #pragma once
 
 #include <ostream>
@@ -11,13 +11,7 @@ namespace wncom::test {
 
 // An agent by all its interfaces.
 struct AllInterfaces {
-    explicit AllInterfaces(const CPComPtr<IWendrel>& agent) : wendrel(agent) {
-        for (const HRESULT status :
-             {agent.QueryInterface(sessions), agent.QueryInterface(jobs), agent.QueryInterface(data),
-              agent.QueryInterface(events), agent.QueryInterface(tickets)}) {
-            EXPECT_EQ(Hex(status), Hex(S_OK));
-        }
-    }
+    explicit AllInterfaces(const CPComPtr<IWendrel>& agent);
 
     CPComPtr<IWendrel> wendrel;
     CPComPtr<ISessionControl> sessions;
@@ -29,6 +23,7 @@ struct AllInterfaces {
 
 struct Operation {
     const char* name;
+    // The text stands for each argument; each pointer may be null.
     HRESULT (*call)(const AllInterfaces& agent, BSTR text, BSTR* exception, BSTR* answer);
     HRESULT notConnected;  // its status when there is no remote object
 
@@ -37,12 +32,18 @@ struct Operation {
 };
 inline std::ostream& operator<<(std::ostream& out, const Operation& operation) { return out << operation.name; }
 
+// Those that ask something of the service, and those whose answer is fixed.
 std::span<const Operation> Operations();
+std::span<const Operation> FixedOperations();
 
 // Submits a job; a transport description comes back exactly when that succeeds.
-HRESULT Submit(const CPComPtr<IWendrel>& agent);
+HRESULT Submit(const CPComPtr<IWendrel>& agent, BSTR ticket = Text("<t/>").get());
 
 // Tells the script that each remote operation succeeds, with a text for the client beside its answer.
 void ScriptAnswers();
+// The texts beside the answers alone.
+void ScriptDetails();
+// What each remote operation does from now on, but for the making of objects.
+void MisbehaveRemotely(Misbehaviour misbehaviour);
 
 }  // namespace wncom::test

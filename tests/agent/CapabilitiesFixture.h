@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "tests/agent/AgentFixture.h"
 #include "wncom/XMLCacheMgr.h"
@@ -30,15 +29,6 @@ protected:
     }
     static void SetLifetime(const char* text) {
         ASSERT_TRUE(WritePrivateProfileStringA("Cache", "CapTicket", text, "qbos.ini"));
-    }
-    // Of the last PutXML, in seconds.
-    static std::string StoredLifetime() {
-        const std::vector<std::string> puts = Script().CallsOf("XMLCacheMgr.PutXML");
-        if (puts.empty()) return "none";
-        const std::string& put = puts.back();
-        const std::size_t end = put.rfind(", ");
-        const std::size_t start = put.rfind(", ", end - 1) + 2;
-        return put.substr(start, end - start);
     }
 
     CPComPtr<IWendrel> m_agent;

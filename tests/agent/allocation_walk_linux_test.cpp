@@ -1,4 +1,5 @@
 // The N-th allocation of an operation fails, for every N: nothing crashes or leaks, and the agent stays usable.
+#include <algorithm>
 #include <functional>
 
 #include "agent/WNSimpleCache.h"
@@ -7,6 +8,14 @@
 
 namespace wncom::test {
 namespace {
+
+// Every call that was made is one of those.
+void ExpectNothingElse(std::vector<std::string> allowed, std::vector<std::string> made) {
+    std::sort(allowed.begin(), allowed.end());
+    std::sort(made.begin(), made.end());
+    EXPECT_TRUE(std::includes(allowed.begin(), allowed.end(), made.begin(), made.end()))
+        << testing::PrintToString(made);
+}
 
 class AllocationWalkTest : public AgentFixture, public testing::WithParamInterface<Operation> {
 protected:
@@ -26,12 +35,14 @@ protected:
 
 TEST_P(AllocationWalkTest, EveryAllocationMayFail) {
     // A log would make the walk as long as its lines.
-    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",1");
+    SetLogLevel(1);
     const AllInterfaces agent(Agent());
     Prepare();
     ScriptAnswers();
     ASSERT_EQ(Hex(Run(agent, 0).status), Hex(S_OK));
-    const std::vector<std::string> calls = Script().CallsOf("FakeTransport");
+    std::vector<std::string> calls = Script().CallsOf("FakeTransport");
+    // A library whose path memory was too short for is a failed load, and that releases the library before it.
+    calls.push_back("FakeTransport.demaker(null)");
     const unsigned count = Run(agent, 0).allocations;
     ASSERT_GT(count, 5U);
     const int objects = Script().LiveObjects();
@@ -40,9 +51,9 @@ TEST_P(AllocationWalkTest, EveryAllocationMayFail) {
         SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(count));
         Script().ForgetCalls();
         const HRESULT status = Run(agent, number).status;
-        EXPECT_THAT(status, testing::AnyOf(S_OK, E_FAIL, E_OUTOFMEMORY)) << Hex(status);
+        EXPECT_TRUE(status == S_OK || status == E_FAIL || status == E_OUTOFMEMORY) << Hex(status);
         // Asking the service nothing is a failure; asking it for something else would be a lie.
-        EXPECT_THAT(calls, testing::IsSupersetOf(Script().CallsOf("FakeTransport")));
+        ExpectNothingElse(calls, Script().CallsOf("FakeTransport"));
         EXPECT_EQ(Hex(Run(agent, 0).status), Hex(S_OK)) << "and again";
         EXPECT_EQ(Script().LiveObjects(), objects);
     }
@@ -53,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(Agent, AllocationWalkTest, testing::ValuesIn(Operations
 
 // While it is made an agent connects for the first time, which reads the catalogue and loads the transport library.
 TEST_F(AgentFixture, EveryAllocationMayFailWhileAnAgentIsMade) {
-    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",1");
+    SetLogLevel(1);
     const CPComPtr<IServiceDesc> service = Service();
     const auto parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
     CPComPtr<IWendrel> agent;
@@ -71,7 +82,7 @@ TEST_F(AgentFixture, EveryAllocationMayFailWhileAnAgentIsMade) {
         SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(count));
         const HRESULT status = create(number).first;
         EXPECT_EQ(SUCCEEDED(status), static_cast<bool>(agent)) << Hex(status);
-        EXPECT_THAT(calls, testing::IsSupersetOf(Script().Calls()));
+        ExpectNothingElse(calls, Script().Calls());
         agent.Release();
         EXPECT_EQ(Script().LiveObjects(), objects);
     }
@@ -80,7 +91,7 @@ TEST_F(AgentFixture, EveryAllocationMayFailWhileAnAgentIsMade) {
 
 // Under another service's key a client would get that service's ticket.
 TEST_F(AgentFixture, EveryAllocationOfACacheOperationMayFailAndNoOtherTicketIsTouched) {
-    SetRegistryValue(kLoggingKey, nullptr, "file," + m_logPath + ",1");
+    SetLogLevel(1);
     const Bstr identifier = Text("device-7");
     const std::function<void(_WNSimpleCache&)> operations[] = {
         [&](_WNSimpleCache& cache) { cache.ToCache(identifier.get(), 1, OLESTR("<caps/>")); },
@@ -100,7 +111,8 @@ TEST_F(AgentFixture, EveryAllocationOfACacheOperationMayFailAndNoOtherTicketIsTo
         ASSERT_GT(count, 3U);
         for (unsigned number = 1; number <= count; ++number) {
             run(number);
-            EXPECT_THAT(calls, testing::IsSupersetOf(Script().Calls())) << "allocation " << number;
+            SCOPED_TRACE("allocation " + std::to_string(number));
+            ExpectNothingElse(calls, Script().Calls());
         }
     }
 }

@@ -5,13 +5,11 @@
 namespace wncom::test {
 namespace {
 
-using testing::IsEmpty;
-
 TEST_F(SharedCacheTest, ATicketIsKeptForAllAgentsOfAllProcesses) {
     ExpectSuccess(RunInProcess([this] { return Ask() == "<caps/>" ? S_OK : E_FAIL; }));
     Script().Answer(kTicketOfService, "<other/>");
     EXPECT_EQ(Ask(), "<caps/>");
-    EXPECT_THAT(Script().CallsOf("FakeTransport"), IsEmpty());
+    EXPECT_TRUE(Script().CallsOf("FakeTransport").empty());
 }
 
 }  // namespace

@@ -1,97 +1,120 @@
-// The agent parent: what CreateWendrel makes, logs and leaves behind.
-#include "tests/agent/AgentFixture.h"
+// The agent parent: what CreateWendrel makes, answers, asks and logs.
+#include <cstdint>
+
+#include "tests/agent/AgentOperations.h"
+#include "tests/support/Golden.h"
 
 namespace wncom::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsSupersetOf;
-using testing::Not;
+// Refuses every interface, and leaves rubbish where the answer would stand.
+class RubbishObject final : public IUnknown {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
+        *object = reinterpret_cast<void*>(std::uintptr_t{0x1234});
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+};
 
 class ParentTest : public AgentFixture {
 protected:
+    // The status, whether there is an agent, and what happened.
+    std::string Made(IUnknown* service) {
+        auto* agent = reinterpret_cast<IWendrel*>(this);
+        const HRESULT status = m_parent->CreateWendrel(service, &agent);
+        const char* shown = agent == reinterpret_cast<IWendrel*>(this) ? "untouched" : agent ? "made" : "null";
+        if (agent && std::string(shown) == "made") agent->Release();
+        return Hex(status) + ", agent " + shown + "\n" + Happened();
+    }
+
     CPComPtr<IInternalWendrelParent> m_parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
+    RubbishObject m_rubbish;
 };
 
-TEST_F(ParentTest, MakesAnAgentForTheDescription) {
-    const CPComPtr<IServiceDesc> service = Service();
-    Script().Reset();
-    Script().SetCatalogue("http", {{"http", "FakeTransport.dll"}});
-    CPComPtr<IWendrel> agent;
-    EXPECT_EQ(Hex(m_parent->CreateWendrel(service.get(), agent.put())), Hex(S_OK));
-    ASSERT_TRUE(agent);
-    // Validated once, asked for its address once more for the bridge.
-    EXPECT_THAT(Script().CallsOf("ServiceDesc"),
-                ElementsAre("ServiceDesc.GetID()", "ServiceDesc.GetAddress()", "ServiceDesc.GetAddress()"));
-    std::vector<std::string> flow;
-    for (const std::string& line : Log()) {
-        if (line.starts_with("3 Got ") || line == "3 Init OK") flow.push_back(line);
+TEST_F(ParentTest, MakesAnAgentOrTellsWhyNot) {
+    struct Case {
+        const char* name;
+        const char* id = "device-7";
+        const char* address = kAddress;
+    };
+    std::string transcript;
+    for (const Case& given :
+         {Case{"made"}, Case{"no identifier", "", kAddress}, Case{"no address", "device-7", ""}}) {
+        const CPComPtr<IServiceDesc> service = Service(given.id, given.address);
+        Prepare();
+        transcript += std::string("== ") + given.name + ": " + Made(service.get());
     }
-    EXPECT_THAT(flow, ElementsAre("3 Got Wendrel", "3 Got WendrelInit", "3 Got TransportDesc", "3 Init OK"));
-    agent.Release();
-    EXPECT_THAT(Script().CallsOf("FakeTransport.demaker").size(), testing::Ge(1U));
+    Prepare();
+    transcript += "== no description: " + Made(nullptr);
+    Prepare();
+    transcript += "== no service description: " + Made(&m_rubbish);
+    const CPComPtr<IServiceDesc> service = Service();
+    Prepare();
+    transcript += "== no place: " + Hex(m_parent->CreateWendrel(service.get(), nullptr)) + "\n" + Happened();
+
+    OLECHAR clsid[39];
+    StringFromGUID2(CLSID_TransportDesc, clsid, 39);
+    ASSERT_EQ(RegDeleteTreeA(HKEY_CLASSES_ROOT, ("CLSID\\" + std::string(clsid, clsid + 38)).c_str()), ERROR_SUCCESS);
+    Prepare();
+    transcript += "== no transport description: " + Made(service.get());
+    ExpectGolden("agent/golden/creation.log", transcript);
 }
 
-TEST_F(ParentTest, EachCallMakesAnAgentAndATransportDescriptionOfItsOwn) {
+TEST_F(ParentTest, EachCallMakesAnAgentWithATransportDescriptionForAllItsSubmissions) {
     const CPComPtr<IServiceDesc> service = Service();
+    CPComPtr<IUnknown> descriptions[3];
     CPComPtr<IWendrel> first;
     CPComPtr<IWendrel> second;
     ASSERT_EQ(Hex(m_parent->CreateWendrel(service.get(), first.put())), Hex(S_OK));
     ASSERT_EQ(Hex(m_parent->CreateWendrel(service.get(), second.put())), Hex(S_OK));
     EXPECT_NE(first.get(), second.get());
-    CPComPtr<IUnknown> firstTransport;
-    CPComPtr<IUnknown> secondTransport;
-    ASSERT_EQ(Hex(first->SendIntentTicket(Text("<t/>").get(), firstTransport.put())), Hex(S_OK));
-    ASSERT_EQ(Hex(second->SendIntentTicket(Text("<t/>").get(), secondTransport.put())), Hex(S_OK));
-    EXPECT_NE(firstTransport.get(), secondTransport.get());
+    const Bstr ticket = Text("<t/>");
+    EXPECT_EQ(Hex(first->SendIntentTicket(ticket.get(), descriptions[0].put())), Hex(S_OK));
+    EXPECT_EQ(Hex(first->SendIntentTicket(ticket.get(), descriptions[1].put())), Hex(S_OK));
+    EXPECT_EQ(Hex(second->SendIntentTicket(ticket.get(), descriptions[2].put())), Hex(S_OK));
+    EXPECT_EQ(descriptions[0].get(), descriptions[1].get());
+    EXPECT_NE(descriptions[0].get(), descriptions[2].get());
 }
 
-TEST_F(ParentTest, NullArgumentsAreRefused) {
-    CPComPtr<IWendrel> agent;
-    EXPECT_EQ(Hex(m_parent->CreateWendrel(nullptr, agent.put())), Hex(E_FAIL));
-    EXPECT_EQ(Hex(m_parent->CreateWendrel(Service().get(), nullptr)), Hex(E_FAIL));
-    EXPECT_THAT(Log(), IsSupersetOf({"3 CWendrelParent::CreateWendrel Parameter \"pIServiceDesc\" is NULL!",
-                                     "3 CWendrelParent::CreateWendrel Parameter \"ppIWendrel\" is NULL!"}));
-}
-
-struct Refusal {
-    const char* id;
-    const char* address;
-    const char* message;
-    bool addressAsked;
-};
-
-TEST_F(ParentTest, ADescriptionWithoutIdentifierOrAddressIsRefused) {
-    for (const Refusal& refusal : {Refusal{"", kAddress, "1 ValidateSD() ID failed", false},
-                                   Refusal{"device-7", "", "1 ValidateSD() address failed", true}}) {
-        Prepare();
-        const CPComPtr<IServiceDesc> service = Service(refusal.id, refusal.address);
-        auto* agent = reinterpret_cast<IWendrel*>(this);
-        EXPECT_EQ(Hex(m_parent->CreateWendrel(service.get(), &agent)), Hex(E_FAIL));
-        EXPECT_EQ(agent, nullptr);
-        EXPECT_THAT(Log(), Contains(refusal.message));
-        EXPECT_EQ(!Script().CallsOf("ServiceDesc.GetAddress").empty(), refusal.addressAsked);
-    }
-}
-
-TEST_F(ParentTest, AnObjectThatIsNoServiceDescriptionIsRefused) {
-    CPComPtr<IWendrel> agent;
-    EXPECT_EQ(Hex(m_parent->CreateWendrel(m_parent.get(), agent.put())), Hex(E_FAIL));
-    EXPECT_THAT(Log(), Contains("1 Couldn't get SD interface - 80004002"));
-}
-
-TEST_F(ParentTest, AMissingTransportDescriptionComponentLeavesNoAgent) {
-    OLECHAR clsid[39];
-    StringFromGUID2(CLSID_TransportDesc, clsid, 39);
-    const std::string key = "CLSID\\" + std::string(clsid, clsid + 38);
-    ASSERT_EQ(RegDeleteTreeA(HKEY_CLASSES_ROOT, key.c_str()), ERROR_SUCCESS);
+TEST_F(ParentTest, AWholeSubmissionIsLoggedAtTheHighestLevel) {
     const CPComPtr<IServiceDesc> service = Service();
-    auto* agent = reinterpret_cast<IWendrel*>(this);
-    EXPECT_EQ(Hex(m_parent->CreateWendrel(service.get(), &agent)), Hex(REGDB_E_CLASSNOTREG));
-    EXPECT_EQ(agent, nullptr);
-    EXPECT_THAT(Log(), Contains("1 CreateIFace ERROR: CoCreateInstance Failed: 0x80040154"));
-    EXPECT_THAT(Log(), Not(Contains("3 Got TransportDesc")));
+    m_parent.Release();
+    SetLogLevel(8);
+    Prepare();
+    m_parent = Create<IInternalWendrelParent>(kProgIdWendrelParent);
+    CPComPtr<IWendrel> agent;
+    ASSERT_EQ(Hex(m_parent->CreateWendrel(service.get(), agent.put())), Hex(S_OK));
+    EXPECT_EQ(Hex(Submit(agent)), Hex(S_OK));
+    agent.Release();
+    m_parent.Release();
+    ExpectGolden("agent/golden/submission.log", Happened(true));
+}
+
+TEST_F(ParentTest, InitialisationAsksBothObjectsTheServiceDescriptionFirst) {
+    const auto agent = Create<IWNInitByParent>(kProgIdWendrel);
+    const auto transport = Create<ITransportDesc>(kProgIdTransportDesc);
+    const CPComPtr<IServiceDesc> service = Service();
+    const CPComPtr<IServiceDesc> nameless = Service("");
+    struct Case {
+        const char* name;
+        IUnknown* service;
+        IUnknown* transport;
+    };
+    Prepare();
+    std::string transcript;
+    for (const Case& given : {Case{"no transport description", &m_rubbish, nullptr},
+                              Case{"no service description", nullptr, transport.get()},
+                              Case{"both are something else", &m_rubbish, &m_rubbish},
+                              Case{"an invalid one beside something else", nameless.get(), &m_rubbish},
+                              Case{"a valid one beside something else", service.get(), &m_rubbish},
+                              Case{"both are right", service.get(), transport.get()}}) {
+        Prepare();
+        transcript += std::string("== ") + given.name + ": " +
+                      Hex(agent->InitByParent(given.service, given.transport)) + "\n" + Happened();
+    }
+    ExpectGolden("agent/golden/initialisation.log", transcript);
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 
@@ -17,7 +16,7 @@ using WideString = std::basic_string<WCHAR>;
 std::string Encoded(const WCHAR* text) { return WCharToUtf8(text).get(); }
 WideString Decoded(const char* text) { return Utf8ToWChar(text).get(); }
 
-// UTF-8 as it is defined, for one character that is no surrogate.
+// UTF-8 as it is defined, for one unit.
 std::string Reference(unsigned character) {
     std::string bytes;
     if (character < 0x80) return {static_cast<char>(character)};
@@ -27,32 +26,15 @@ std::string Reference(unsigned character) {
     return bytes;
 }
 
+// The halves of surrogate pairs are characters like others.
 TEST(EncodingTest, AgreesWithUtf8ForEveryCharacterOfOneUnit) {
     for (unsigned character = 1; character < 0x10000; ++character) {
-        if (character >= 0xD800 && character < 0xE000) continue;
         const WideString text{u'a', static_cast<WCHAR>(character), u'b'};
         ASSERT_EQ("a" + Reference(character) + "b", Encoded(text.c_str())) << std::hex << character;
         ASSERT_EQ(text, Decoded(Encoded(text.c_str()).c_str())) << std::hex << character;
     }
-}
-
-TEST(EncodingTest, EncodesEachHalfOfASurrogatePairByItself) {
-    EXPECT_EQ("\xED\xA0\xBD\xED\xB8\x80", Encoded(OLESTR("\U0001F600")));
-    EXPECT_EQ(WideString(OLESTR("\U0001F600")), Decoded("\xED\xA0\xBD\xED\xB8\x80"));
-}
-
-TEST(EncodingTest, FillsItsRoomWithCharactersOfThreeBytes) {
-    EXPECT_EQ(std::size_t{3000}, Encoded(WideString(1000, u'\u6F22').c_str()).size());
-    EXPECT_EQ("", Encoded(OLESTR("")));
-}
-
-TEST(EncodingTest, FindsACharacterThatIsNotAsciiWhereverItStands) {
-    for (std::size_t place = 0; place < 40; ++place) {
-        WideString text(40, u'x');
-        text[place] = u'\u00E9';
-        const std::string expected = std::string(place, 'x') + "\xC3\xA9" + std::string(39 - place, 'x');
-        EXPECT_EQ(expected, Encoded(text.c_str())) << place;
-    }
+    EXPECT_EQ(WCharToUtf8(nullptr), nullptr);
+    EXPECT_EQ(Utf8ToWChar(nullptr), nullptr);
 }
 
 // The encoder as it is described, unit by unit.
@@ -60,7 +42,7 @@ int EncodedPlainly(const WideString& text, std::ptrdiff_t capacity, std::string&
     bytes.clear();
     for (std::size_t i = 0; i != text.size(); ++i) {
         const auto left = capacity - static_cast<std::ptrdiff_t>(bytes.size());
-        if (left == 0) return 4;
+        if (left <= 0) return 4;
         const std::string sequence = Reference(static_cast<std::uint16_t>(text[i]));
         const auto lacking = static_cast<std::ptrdiff_t>(sequence.size()) - left;
         if (lacking > 0) return i + 1 == text.size() ? static_cast<int>(lacking) : 4;
@@ -70,7 +52,9 @@ int EncodedPlainly(const WideString& text, std::ptrdiff_t capacity, std::string&
 }
 
 TEST(EncodingTest, AgreesWithAPlainLoopForAnyMixAndAnyRoom) {
-    std::mt19937 numbers;
+    constexpr unsigned kSeed = 5489;
+    SCOPED_TRACE("seed " + std::to_string(kSeed));
+    std::mt19937 numbers(kSeed);
     const unsigned limits[] = {0x80, 0x100, 0x800, 0x10000};
     for (int round = 0; round < 3000; ++round) {
         const unsigned usual = limits[numbers() % 4];
@@ -78,7 +62,10 @@ TEST(EncodingTest, AgreesWithAPlainLoopForAnyMixAndAnyRoom) {
         WideString text(numbers() % 140, 0);
         for (WCHAR& unit : text)
             unit = static_cast<WCHAR>(1 + numbers() % ((numbers() % 8 != 0 ? usual : other) - 1));
-        const auto capacity = static_cast<std::ptrdiff_t>(numbers() % 500);
+        // Often too little, and now and then less than nothing.
+        const auto most = static_cast<unsigned>(text.size() * 3 + 8);
+        const auto capacity = static_cast<std::ptrdiff_t>(numbers() % most) - 4;
+        const auto room = static_cast<std::size_t>(std::max<std::ptrdiff_t>(capacity, 0));
         std::string expected;
         const int status = EncodedPlainly(text, capacity, expected);
         std::string bytes(600, '*');
@@ -86,44 +73,9 @@ TEST(EncodingTest, AgreesWithAPlainLoopForAnyMixAndAnyRoom) {
         ASSERT_EQ(status,
                   u16_utf8(text.data(), static_cast<std::ptrdiff_t>(text.size()), bytes.data(), capacity, &written));
         ASSERT_EQ(expected, bytes.substr(0, static_cast<std::size_t>(written)));
-        ASSERT_EQ(std::string(bytes.size() - static_cast<std::size_t>(capacity), '*'),
-                  bytes.substr(static_cast<std::size_t>(capacity)))
-            << "nothing is written beyond the room";
+        ASSERT_EQ(std::string(bytes.size() - room, '*'), bytes.substr(room)) << "nothing is written beyond the room";
         EncodedPlainly(text, PTRDIFF_MAX, expected);
         ASSERT_EQ(expected, Encoded(text.c_str()));
-    }
-}
-
-TEST(EncodingTest, NullGivesNull) {
-    EXPECT_EQ(nullptr, WCharToUtf8(nullptr));
-    EXPECT_EQ(nullptr, Utf8ToWChar(nullptr));
-}
-
-struct EncoderRoom {
-    const WCHAR* text;
-    std::ptrdiff_t capacity;
-    int status;
-    std::ptrdiff_t written;
-};
-
-TEST(EncodingTest, TellsWhatDidNotFit) {
-    for (const EncoderRoom& room : {
-             EncoderRoom{OLESTR("ab"), 2, 0, 2},       // fits
-             EncoderRoom{OLESTR("ab"), 1, 4, 1},       // a unit remains
-             EncoderRoom{OLESTR("\u00E9"), 1, 1, 0},   // one byte lacks
-             EncoderRoom{OLESTR("a\u20AC"), 2, 2, 1},  // two bytes lack
-             EncoderRoom{OLESTR("a\u20AC"), 3, 1, 1},  // one byte lacks
-             EncoderRoom{OLESTR("\u20ACa"), 2, 4, 0},  // one pending, one unread
-             EncoderRoom{OLESTR("a"), 0, 4, 0},        // no room at all
-             EncoderRoom{OLESTR("a"), -1, 4, 0},
-             EncoderRoom{OLESTR(""), 0, 0, 0},
-         }) {
-        char bytes[8] = "*******";
-        std::ptrdiff_t written = -1;
-        const auto count = static_cast<std::ptrdiff_t>(WideString(room.text).size());
-        EXPECT_EQ(room.status, u16_utf8(room.text, count, bytes, room.capacity, &written)) << room.capacity;
-        EXPECT_EQ(room.written, written);
-        EXPECT_EQ('*', bytes[written]) << "nothing is written past what is counted";
     }
 }
 
@@ -168,21 +120,6 @@ TEST(DecodingTest, AnswersWithItsStatusAndWhatItRead) {
 TEST(DecodingTest, KeepsWhatStandsBeforeABadSequence) {
     EXPECT_EQ(WideString(OLESTR("ab")), Decoded("ab\xFF"
                                                 "cd"));
-}
-
-TEST(ValueTest, ComesBackInTheSystemsCodePage) {
-    EXPECT_EQ(WideString(OLESTR("\u20AC")), WideString(CStringToWChar(CString("\x80")).get()));
-    ASSERT_NE(nullptr, CStringToWChar(CString()));
-    EXPECT_EQ(0, CStringToWChar(CString())[0]);
-}
-
-TEST(ValueTest, IsLoggedWhileItIsMade) {
-    LogCapture log(4);
-    EXPECT_EQ(CString("a\xE9"), CharToCString("a\xE9"));
-    EXPECT_TRUE(CharToCString(nullptr).empty());
-    EXPECT_THAT(log.Lines(),
-                testing::ElementsAre("4 In CharToCString, str is a\xE9", "4 In CharToCString, result is a\xC3\xA9",
-                                     "4 In CharToCString, str is (null)", "4 In CharToCString, result is "));
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 #include "tests/fakes/FakeCacheMgr.h"
 
-#include <new>
-
 namespace wncom::test {
 namespace {
 
+// Out of memory must not look like another key.
 std::string Utf8(LPCOLESTR text) {
     const Bstr copy(text);
     if (text && !copy) throw std::bad_alloc();

@@ -30,7 +30,8 @@ inline const char* const kFakeAddress = "http://device/service";
 // kFakeAddress.
 inline void SetUpFakeHome() {
     Script().Reset();
-    ASSERT_EQ(S_OK, RegisterFakeComponents(ProgramFolder()));
+    static const HRESULT registered = RegisterFakeComponents(ProgramFolder());  // it stays so for the process
+    ASSERT_EQ(S_OK, registered);
     SetFolderValue("pathtotransportsxml", Terminated("C:\\catalogue\\"));
     SetFolderValue("builddllpath", Terminated(ProgramFolder() + "/"));
     Script().SetCatalogue("net", {{"net", "FakeTransport.dll"},
@@ -38,7 +39,8 @@ inline void SetUpFakeHome() {
                                   {"same", "FakeTransport.dll"},
                                   {"nomaker", "FakeTransportNoMaker.dll"},
                                   {"nodemaker", "FakeTransportNoDemaker.dll"},
-                                  {"missing", "NoSuchTransport.dll"}});
+                                  {"missing", "NoSuchTransport.dll"},
+                                  {"foreign", "\xE2\x82\xAC.dll"}});
     Script().SetServices({{kFakeAddress, "network"}});
 }
 

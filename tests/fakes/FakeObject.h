@@ -8,19 +8,17 @@
 #include <optional>
 #include <string>
 
+#include "common/server/Server.h"
 #include "tests/fakes/FakeScript.h"
+#include "tests/support/Utf8Text.h"
 #include "wncom/Bstr.h"
 #include "wncom/CPComPtr.h"
 
 namespace wncom::test {
 
-// Throws std::bad_alloc when memory runs out.
-Bstr ToBstr(const std::string& utf8);
-std::string ToUtf8(BSTR text);
-
 // One interface over IDispatch, whose four methods no caller needs here.
 template <class Interface>
-class FakeObject : public Interface, private CountedFake {
+class FakeObject : public Interface, private CountedFake, private server::ModuleLock {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         *object = nullptr;

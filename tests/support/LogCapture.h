@@ -23,6 +23,8 @@ public:
     // The lines since the start or the last Clear, each as its level, a space and its message without the line's
     // end: "3 calling SubmitJob on mJobControl". Messages that contain the given text are left out.
     std::vector<std::string> Lines(std::string_view without = {}) const;
+    // The same part of the log as it stands in the file.
+    std::string Text() const;
     void Clear();
 
 private:

@@ -1,6 +1,5 @@
 // Every test program: a fresh home before the first test, and a failed test for every text or module that a test
 // leaves behind.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -33,7 +32,7 @@ const std::string& HomePath() {
 }  // namespace wncom::test
 
 int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
+    testing::InitGoogleTest(&argc, argv);
     const std::string& home = wncom::test::HomePath();
     testing::UnitTest::GetInstance()->listeners().Append(new wncom::test::LeakListener);
     const int result = RUN_ALL_TESTS();
