@@ -40,8 +40,8 @@ std::string ReadLines(const std::string& path) {
 // A 64-bit system runs 32-bit programs only when it has their half of itself.
 bool Runs(int bits) {
     char folder[MAX_PATH];
-    return bits == 64 || (GetSystemWow64DirectoryA(folder, MAX_PATH) != 0 &&
-                          GetFileAttributesA(folder) != INVALID_FILE_ATTRIBUTES);
+    return bits == 64 ||
+           (GetSystemWow64DirectoryA(folder, MAX_PATH) != 0 && GetFileAttributesA(folder) != INVALID_FILE_ATTRIBUTES);
 }
 
 }  // namespace

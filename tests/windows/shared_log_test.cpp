@@ -20,7 +20,8 @@ protected:
     void SetUp() override {
         for (const int bits : {32, 64}) {
             if (BinFolder(bits).empty()) {
-                GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD << ", or none that runs here";
+                GTEST_SKIP() << "no build of the other bitness in " << WNCOM_OTHER_BUILD
+                             << ", or none that runs here";
             }
             SetLogging("file," + m_log + ",3", bits);
         }
