@@ -26,20 +26,11 @@ int OpenForWriting(const std::string& path) {
 
 WnProcess::WnProcess(const std::vector<std::string>& arguments)
     : m_output(NewFile(".out")), m_error(NewFile(".err")) {
-    Start(arguments, m_output);
-}
-
-WnProcess::WnProcess(const std::vector<std::string>& arguments, const std::string& outputDevice)
-    : m_error(NewFile(".err")) {
-    Start(arguments, outputDevice);
-}
-
-void WnProcess::Start(const std::vector<std::string>& arguments, const std::string& outputPath) {
     const std::string program = ProgramFolder() + "/wn";
     std::vector<char*> texts = {const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) texts.push_back(const_cast<char*>(argument.c_str()));
     texts.push_back(nullptr);
-    const int output = OpenForWriting(outputPath);
+    const int output = OpenForWriting(m_output);
     const int error = OpenForWriting(m_error);
     m_process = fork();
     if (m_process < 0) throw std::runtime_error("cannot start a process");
@@ -60,18 +51,14 @@ WnProcess::~WnProcess() {
     waitpid(m_process, nullptr, 0);
 }
 
-std::string WnProcess::Output() const { return m_output.empty() ? "" : ReadWholeFile(m_output); }
+std::string WnProcess::Output() const { return ReadWholeFile(m_output); }
+std::string WnProcess::Error() const { return ReadWholeFile(m_error); }
 
-WnOutcome WnProcess::Wait() {
-    if (m_process >= 0) {
-        int status = 0;
-        waitpid(m_process, &status, 0);
-        m_process = -1;
-        m_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    return {m_status, Output(), ReadWholeFile(m_error)};
+int WnProcess::Wait() {
+    int status = 0;
+    waitpid(m_process, &status, 0);
+    m_process = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
-
-WnOutcome RunWn(const std::vector<std::string>& arguments) { return WnProcess(arguments).Wait(); }
 
 }  // namespace wncom::test

@@ -12,14 +12,10 @@ wncom_add_test(
     wnHttpTransport
     SOURCES
     WnProcess.cpp
-    wn_capabilities_test.cpp
-    wn_config_test.cpp
-    wn_data_test.cpp
-    wn_events_test.cpp
-    wn_settings_test.cpp
-    wn_submit_test.cpp
+    wn_transcripts_linux_test.cpp
     wn_watch_linux_test.cpp
-    wn_watch_test.cpp
-    wn_wrong_input_test.cpp
 )
-target_compile_definitions(wn_test PRIVATE WNCOM_SAMPLES="${CMAKE_SOURCE_DIR}/samples")
+target_compile_definitions(
+    wn_test PRIVATE WNCOM_SAMPLES="${CMAKE_SOURCE_DIR}/samples"
+                    WNCOM_TRANSCRIPTS="${CMAKE_CURRENT_SOURCE_DIR}/transcripts"
+)

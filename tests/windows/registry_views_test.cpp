@@ -40,7 +40,7 @@ TEST_F(RegistryViewsTest, FollowTheLibraryOf32Bits) {
     EXPECT_NE(Setting("builddllpath", 32), "(absent)");
     EXPECT_EQ(Setting("builddllpath", 64), "(absent)");
     // A library of 32 bits finds its catalogue and its transport library there.
-    ExpectDone(RunWn({"capabilities", "--to", "sample://press"}, BinFolder(32)));
+    ExpectDone(RunWn({"--json", "capabilities", "--to", "sample://press"}, BinFolder(32)));
     const auto config = nlohmann::json::parse(RunWn({"config", "--json"}, BinFolder(64)).output);
     EXPECT_EQ(config.at("class:QBNORVEL.WendrelParent.1").at("value"), Module("wnCOM.dll", 32));
 }

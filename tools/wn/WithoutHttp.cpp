@@ -1,30 +1,37 @@
-// In place of the parts that need an HTTP library, where there is none: what they would do is refused with a clear
-// word, before anything else is done.
+// In place of the parts that need an HTTP library, where there is none: what they would do is refused before anything
+// else is done.
 #include <CLI/CLI.hpp>
 
-#include "tools/wn/Command.h"
-#include "tools/wn/Deliver.h"
+#include "tools/wn/core/Command.h"
+#include "tools/wn/core/CommandError.h"
+#include "tools/wn/jobs/JobHttp.h"
 
 namespace wn {
 namespace {
 
-constexpr const char* kNoDelivery =
-    "This wn was built without an HTTP library and delivers no data: submit without --data";
+[[noreturn]] void Refuse(const char* what, const char* hint) {
+    throw WrongInput(std::string("This wn was built without an HTTP library and ") + what, hint);
+}
 
 }  // namespace
 
-void RequireDelivery() { throw CommandError(kNoDelivery); }
+void RequireHttp() { Refuse("cannot reach the addresses of a job", "Submit without --data"); }
 
-Delivery Deliver(const std::string&, const std::string&, int) { throw CommandError(kNoDelivery); }
+Delivery Deliver(InputFile&, const std::string&, DeliveryMethod, TimeLimit) {
+    RequireHttp();
+    return {};
+}
+
+std::string ReadJob(const std::string&, TimeLimit) {
+    RequireHttp();
+    return {};
+}
 
 void AddWatchCommand(CLI::App& events, const bool&) {
     CLI::App* watch = events.add_subcommand("watch", "Not in this wn, which was built without an HTTP library");
     watch->fallthrough(false)->allow_extras();
-    watch->callback([] {
-        throw CommandError(
-            "This wn was built without an HTTP library and receives no events: 'wn events subscribe' lets another "
-            "consumer receive them");
-    });
+    watch->callback(
+        [] { Refuse("cannot receive events", "'wn events subscribe' lets another consumer receive them"); });
 }
 
 }  // namespace wn
