@@ -7,7 +7,7 @@
 #include "tools/wn/core/Command.h"
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Report.h"
-#include "tools/wn/doctor/Check.h"
+#include "tools/wn/doctor/HealthCheck.h"
 
 namespace wn {
 namespace {
@@ -15,16 +15,16 @@ namespace {
 constexpr std::size_t kTitleWidth = 34;  // characters
 
 void Examine(const Service& service, bool json) {
-    std::vector<Check> checks = SetupChecks();
-    for (Check& check : TransportChecks()) checks.push_back(std::move(check));
+    std::vector<HealthCheck> checks = SetupChecks();
+    for (HealthCheck& check : TransportChecks()) checks.push_back(std::move(check));
     if (!service.address.empty()) {
-        for (Check& check : RoadChecks(service.address)) checks.push_back(std::move(check));
+        for (HealthCheck& check : RoadChecks(service.address)) checks.push_back(std::move(check));
         checks.push_back(ConnectionCheck(service, json));
     }
     Report report(json);
     nlohmann::ordered_json results = nlohmann::ordered_json::array();
     std::size_t wrong = 0;
-    for (const Check& check : checks) {
+    for (const HealthCheck& check : checks) {
         const Diagnosis result = Run(check);
         wrong += result.fine ? 0 : 1;
         std::string title = check.title;

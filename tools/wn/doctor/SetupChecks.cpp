@@ -6,7 +6,7 @@
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Paths.h"
 #include "tools/wn/core/Texts.h"
-#include "tools/wn/doctor/Check.h"
+#include "tools/wn/doctor/HealthCheck.h"
 #include "tools/wn/host/Host.h"
 #include "tools/wn/settings/RegistryKey.h"
 #include "tools/wn/settings/Setting.h"
@@ -82,8 +82,8 @@ std::string LookAtLog(const Setting& log) {
 
 }  // namespace
 
-std::vector<Check> SetupChecks() {
-    std::vector<Check> checks = {{"home", DescribeHome}, {"registry", LookAtRegistry}};
+std::vector<HealthCheck> SetupChecks() {
+    std::vector<HealthCheck> checks = {{"home", DescribeHome}, {"registry", LookAtRegistry}};
     for (const Component& component : kComponents) {
         checks.push_back({"class " + ToUtf8(component.progId), [&component] { return LookAtClass(component); }});
     }

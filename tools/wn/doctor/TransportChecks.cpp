@@ -3,7 +3,7 @@
 #include "components/portmap/PortMapData.h"
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Texts.h"
-#include "tools/wn/doctor/Check.h"
+#include "tools/wn/doctor/HealthCheck.h"
 #include "tools/wn/portmap/PortMapDocument.h"
 #include "tools/wn/settings/Catalogue.h"
 #include "tools/wn/settings/RegistryKey.h"
@@ -89,7 +89,7 @@ std::string LookAtTransportSettings() {
 
 }  // namespace
 
-std::vector<Check> TransportChecks() {
+std::vector<HealthCheck> TransportChecks() {
     return {{"catalogue",
              [] {
                  const std::string directory = CatalogueDirectory();
@@ -100,7 +100,7 @@ std::vector<Check> TransportChecks() {
             {"transport settings", LookAtTransportSettings}};
 }
 
-std::vector<Check> RoadChecks(const std::string& address) {
+std::vector<HealthCheck> RoadChecks(const std::string& address) {
     return {{"road to the service", [address] {
                  const std::string transport = TransportFor(address);
                  const Catalogue catalogue = ReadCatalogue(CatalogueDirectory());
@@ -111,7 +111,7 @@ std::vector<Check> RoadChecks(const std::string& address) {
              }}};
 }
 
-Check ConnectionCheck(const Service& service, bool json) {
+HealthCheck ConnectionCheck(const Service& service, bool json) {
     return {"answer of the service", [service, json] {
                 const auto started = std::chrono::steady_clock::now();
                 const Agent agent(service, json);
@@ -127,7 +127,7 @@ Check ConnectionCheck(const Service& service, bool json) {
             }};
 }
 
-Diagnosis Run(const Check& check) {
+Diagnosis Run(const HealthCheck& check) {
     try {
         return {true, check.look(), ""};
     } catch (const CommandError& error) {

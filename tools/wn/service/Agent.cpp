@@ -6,7 +6,7 @@
 #include "tools/wn/core/Command.h"
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Texts.h"
-#include "tools/wn/doctor/Check.h"
+#include "tools/wn/doctor/HealthCheck.h"
 #include "tools/wn/settings/RegistryKey.h"
 #include "wncom/Descriptions.h"
 
@@ -26,7 +26,7 @@ std::string ErrorObjectText() {
 // For a failure whose reason stayed inside the library: what is wrong on the way to the service, else where to look.
 CommandError Diagnose(const std::string& what, const std::string& address, std::optional<HRESULT> status,
                       const char* otherwise) {
-    for (const Check& check : RoadChecks(address)) {
+    for (const HealthCheck& check : RoadChecks(address)) {
         const Diagnosis result = Run(check);
         if (!result.fine) {
             return CommandError(

@@ -10,19 +10,19 @@
 namespace wn {
 
 // One look. It gives a few words on what is well, or throws CommandError: what is wrong, why, and what mends it.
-struct Check {
+struct HealthCheck {
     std::string title;
     std::function<std::string()> look;
 };
 
 // The home, the registry, the modules of the classes and the logs.
-std::vector<Check> SetupChecks();
+std::vector<HealthCheck> SetupChecks();
 // The catalogue, its libraries, the port map and the transport's settings.
-std::vector<Check> TransportChecks();
+std::vector<HealthCheck> TransportChecks();
 // The port map's entry for the service and the library that serves it; what fails before a library is there.
-std::vector<Check> RoadChecks(const std::string& address);
+std::vector<HealthCheck> RoadChecks(const std::string& address);
 // Whether the service answers.
-Check ConnectionCheck(const Service& service, bool json);
+HealthCheck ConnectionCheck(const Service& service, bool json);
 
 struct Diagnosis {
     bool fine = true;
@@ -31,6 +31,6 @@ struct Diagnosis {
 };
 
 // A check that fails by itself is a result too.
-Diagnosis Run(const Check& check);
+Diagnosis Run(const HealthCheck& check);
 
 }  // namespace wn
