@@ -24,9 +24,9 @@ HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
 void VariantInit(VARIANT* variant);
 HRESULT VariantClear(VARIANT* variant);
 // Between VT_I4 and VT_BSTR (a whole number in decimal digits), and between VT_UNKNOWN and VT_DISPATCH; VT_EMPTY is 0
-// and an empty text. Else DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW, and DISP_E_BADVARTYPE for types that variants do not
-// have here. References are followed. No flag means anything here. The destination may be the source, and keeps what
-// it holds after a failure.
+// and an empty text. Else DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW, and DISP_E_BADVARTYPE for types that variants do
+// not have here. References are followed. No flag means anything here. The destination may be the source, and keeps
+// what it holds after a failure.
 HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type);
 
 // Type libraries. Their objects may be used from any thread and live on after their file has changed or gone. A dual

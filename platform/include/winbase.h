@@ -106,8 +106,8 @@ struct WIN32_FIND_DATAA {
 };
 
 // Sharing modes bind handles within the home's processes only as far as byte-range locks do; they are accepted
-// and not enforced. A new file in the home may be read and written by all who may write the home; one with a null access
-// list by them and by nobody else, wherever it lies.
+// and not enforced. A new file in the home may be read and written by all who may write the home; one with a null
+// access list by them and by nobody else, wherever it lies.
 HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                    DWORD flags, HANDLE templateFile);
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,

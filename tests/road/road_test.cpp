@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "tests/support/EventConsumer.h"
 #include "tests/support/Com.h"
 #include "tests/support/DeviceProcess.h"
 #include "tests/support/ElementText.h"
+#include "tests/support/EventConsumer.h"
 #include "tests/support/TestHome.h"
 #include "wncom/Descriptions.h"
 #include "wncom/wnCOM.h"
