@@ -3,9 +3,9 @@
 #include <stdexcept>
 
 #include "fuzz/support/Fuzz.h"
-#include "tools/wndevice/Documents.h"
-#include "tools/wndevice/Events.h"
-#include "tools/wndevice/Subscription.h"
+#include "tools/wndevice/events/Events.h"
+#include "tools/wndevice/events/Subscription.h"
+#include "tools/wndevice/xml/Documents.h"
 
 using namespace wndevice;
 

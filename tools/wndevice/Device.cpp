@@ -3,10 +3,10 @@
 #include <set>
 #include <utility>
 
-#include "tools/wndevice/Documents.h"
-#include "tools/wndevice/Events.h"
 #include "tools/wndevice/RandomId.h"
-#include "tools/wndevice/Subscription.h"
+#include "tools/wndevice/events/Events.h"
+#include "tools/wndevice/events/Subscription.h"
+#include "tools/wndevice/xml/Documents.h"
 
 namespace wndevice {
 namespace {

@@ -11,8 +11,8 @@
 #include "tools/wndevice/DeviceData.h"
 #include "tools/wndevice/JobStore.h"
 #include "tools/wndevice/RecentTable.h"
-#include "tools/wndevice/SubscriptionTable.h"
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/events/SubscriptionTable.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 

@@ -5,7 +5,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "tools/wndevice/XmlPaths.h"
+#include "tools/wndevice/xml/XmlPaths.h"
 
 namespace wndevice {
 namespace {

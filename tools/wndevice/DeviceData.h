@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/wndevice/Documents.h"
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/xml/Documents.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 

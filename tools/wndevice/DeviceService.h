@@ -6,8 +6,8 @@
 #include <string>
 
 #include "tools/wndevice/Device.h"
-#include "tools/wndevice/Faults.h"
-#include "tools/wndevice/HttpServer.h"
+#include "tools/wndevice/server/Faults.h"
+#include "tools/wndevice/server/HttpServer.h"
 
 namespace wndevice {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tools/wndevice/DeviceService.h"
-#include "tools/wndevice/Faults.h"
+#include "tools/wndevice/server/Faults.h"
 
 namespace {
 

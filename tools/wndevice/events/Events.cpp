@@ -1,9 +1,9 @@
-#include "tools/wndevice/Events.h"
+#include "tools/wndevice/events/Events.h"
 
 #include <array>
 #include <cstdio>
 
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/wndevice/SubscriptionTable.h"
+#include "tools/wndevice/events/SubscriptionTable.h"
 
 #include "tools/wndevice/RandomId.h"
 

@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "tools/wndevice/Connection.h"
+#include "tools/wndevice/server/Connection.h"
 
 namespace wndevice {
 

@@ -1,10 +1,10 @@
-#include "tools/wndevice/EventSender.h"
+#include "tools/wndevice/events/EventSender.h"
 
 #include <array>
 #include <exception>
 #include <utility>
 
-#include "tools/wndevice/Events.h"
+#include "tools/wndevice/events/Events.h"
 
 namespace wndevice {
 namespace {

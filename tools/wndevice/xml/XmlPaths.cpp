@@ -1,4 +1,4 @@
-#include "tools/wndevice/XmlPaths.h"
+#include "tools/wndevice/xml/XmlPaths.h"
 
 #include <libxml/xmlerror.h>
 #include <libxml/xpathInternals.h>
@@ -7,7 +7,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 namespace {

@@ -1,8 +1,8 @@
-#include "tools/wndevice/Documents.h"
+#include "tools/wndevice/xml/Documents.h"
 
 #include <stdexcept>
 
-#include "tools/wndevice/Events.h"
+#include "tools/wndevice/events/Events.h"
 
 namespace wndevice {
 namespace {

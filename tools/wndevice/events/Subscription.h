@@ -8,8 +8,8 @@
 #include <string>
 
 #include "libraries/http/shared/HttpAddress.h"
-#include "tools/wndevice/Events.h"
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/events/Events.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 

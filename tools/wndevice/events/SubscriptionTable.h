@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/wndevice/EventSender.h"
+#include "tools/wndevice/events/EventSender.h"
 
 namespace wndevice {
 

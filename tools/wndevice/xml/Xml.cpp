@@ -1,4 +1,4 @@
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/xml/Xml.h"
 
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>

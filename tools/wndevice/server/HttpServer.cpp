@@ -1,4 +1,4 @@
-#include "tools/wndevice/HttpServer.h"
+#include "tools/wndevice/server/HttpServer.h"
 
 #include <algorithm>
 #include <chrono>

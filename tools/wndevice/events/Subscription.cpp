@@ -1,4 +1,4 @@
-#include "tools/wndevice/Subscription.h"
+#include "tools/wndevice/events/Subscription.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "tools/wndevice/Connection.h"
+#include "tools/wndevice/server/Connection.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/wndevice/Xml.h"
+#include "tools/wndevice/xml/Xml.h"
 
 namespace wndevice {
 

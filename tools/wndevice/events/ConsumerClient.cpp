@@ -1,8 +1,8 @@
-#include "tools/wndevice/ConsumerClient.h"
+#include "tools/wndevice/events/ConsumerClient.h"
 
 #include <chrono>
 
-#include "tools/wndevice/Connection.h"
+#include "tools/wndevice/server/Connection.h"
 
 namespace wndevice {
 namespace {

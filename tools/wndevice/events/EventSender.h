@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
-#include "tools/wndevice/ConsumerClient.h"
-#include "tools/wndevice/Subscription.h"
+#include "tools/wndevice/events/ConsumerClient.h"
+#include "tools/wndevice/events/Subscription.h"
 
 namespace wndevice {
 

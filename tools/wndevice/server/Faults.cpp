@@ -1,4 +1,4 @@
-#include "tools/wndevice/Faults.h"
+#include "tools/wndevice/server/Faults.h"
 
 #include <httplib.h>
 
