@@ -91,7 +91,7 @@ private:
             {"(\"seconds\": |bytes in )[0-9][0-9.e-]*", "$1N"},
             {"[0-9]+ milliseconds", "N milliseconds"},
             {"20\\d\\d-[0-9T:-]+Z", "TIME"},
-            {"came in [0-9]+", "came in N"},
+            {"(came in|after) [0-9]+ ms", "$1 N ms"},
         };
         for (const auto& [pattern, with] : kVarying) {
             text = std::regex_replace(text, std::regex(pattern), with);

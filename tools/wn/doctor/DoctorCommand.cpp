@@ -14,35 +14,53 @@ namespace {
 
 constexpr std::size_t kTitleWidth = 34;  // characters
 
-void Examine(const Service& service, bool json) {
-    std::vector<HealthCheck> checks = SetupChecks();
-    for (HealthCheck& check : TransportChecks()) checks.push_back(std::move(check));
-    if (!service.address.empty()) {
-        for (HealthCheck& check : RoadChecks(service.address)) checks.push_back(std::move(check));
-        checks.push_back(ConnectionCheck(service, json));
+// Runs the checks one after the other and keeps what they find.
+class Examination {
+public:
+    explicit Examination(bool json) : m_report(json) {}
+
+    void Do(const std::vector<HealthCheck>& checks) {
+        for (const HealthCheck& check : checks) {
+            const Diagnosis result = Run(check);
+            ++m_count;
+            m_wrong += result.fine ? 0 : 1;
+            std::string title = check.title;
+            title.resize(std::max(title.size(), kTitleWidth), ' ');
+            m_report.Line((result.fine ? "ok     " : "WRONG  ") + title + " " + result.text);
+            if (!result.hint.empty()) m_report.Line("       " + result.hint);
+            m_results.push_back(
+                {{"check", check.title}, {"fine", result.fine}, {"text", result.text}, {"hint", result.hint}});
+        }
     }
-    Report report(json);
-    nlohmann::ordered_json results = nlohmann::ordered_json::array();
-    std::size_t wrong = 0;
-    for (const HealthCheck& check : checks) {
-        const Diagnosis result = Run(check);
-        wrong += result.fine ? 0 : 1;
-        std::string title = check.title;
-        title.resize(std::max(title.size(), kTitleWidth), ' ');
-        report.Line((result.fine ? "ok     " : "WRONG  ") + title + " " + result.text);
-        if (!result.hint.empty()) report.Line("       " + result.hint);
-        results.push_back(
-            {{"check", check.title}, {"fine", result.fine}, {"text", result.text}, {"hint", result.hint}});
-    }
-    report.Add("checks", "", results, "");
-    report.Add("wrong", "", wrong, "");
-    if (wrong == 0) report.Line("All is well.");
-    report.Print();
-    if (wrong != 0) {
+
+    bool fine() const { return m_wrong == 0; }
+
+    void Finish() {
+        m_report.Add("checks", "", m_results, "");
+        m_report.Add("wrong", "", m_wrong, "");
+        if (fine()) m_report.Line("All is well.");
+        m_report.Print();
+        if (fine()) return;
         throw CommandError(
-            std::to_string(wrong) + " of " + std::to_string(checks.size()) + " checks found something wrong",
+            std::to_string(m_wrong) + " of " + std::to_string(m_count) + " checks found something wrong",
             {.exit = ExitStatus::NotSetUp});
     }
+
+private:
+    Report m_report;
+    nlohmann::ordered_json m_results = nlohmann::ordered_json::array();
+    std::size_t m_count = 0;
+    std::size_t m_wrong = 0;
+};
+
+void Examine(const Service& service, bool json) {
+    Examination examination(json);
+    examination.Do(SetupChecks());
+    examination.Do(TransportChecks());
+    // What is wrong already would only be told once more.
+    if (!service.address.empty() && examination.fine()) examination.Do(RoadChecks(service.address));
+    if (!service.address.empty() && examination.fine()) examination.Do({ConnectionCheck(service, json)});
+    examination.Finish();
 }
 
 }  // namespace

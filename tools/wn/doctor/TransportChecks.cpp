@@ -1,12 +1,11 @@
 #include <chrono>
+#include <optional>
 
-#include "components/portmap/PortMapData.h"
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Texts.h"
 #include "tools/wn/doctor/HealthCheck.h"
 #include "tools/wn/portmap/PortMapDocument.h"
 #include "tools/wn/settings/Catalogue.h"
-#include "tools/wn/settings/RegistryKey.h"
 #include "tools/wn/settings/Setting.h"
 
 namespace wn {
@@ -52,10 +51,21 @@ const TransportEntry& Require(const Catalogue& catalogue, const std::string& tra
                         .exit = ExitStatus::NotSetUp});
 }
 
+// Nothing when it cannot be used, which is told once, by the check of the catalogue.
+std::optional<Catalogue> UsableCatalogue() {
+    try {
+        return ReadCatalogue(CatalogueDirectory());
+    } catch (const CommandError&) {
+        return std::nullopt;
+    }
+}
+
 std::string LookAtLibraries() {
     const std::string directory = LibraryDirectory();
+    const std::optional<Catalogue> catalogue = UsableCatalogue();
+    if (!catalogue) return directory + ", not looked at without a catalogue";
     std::string text;
-    for (const TransportEntry& entry : ReadCatalogue(CatalogueDirectory()).entries) {
+    for (const TransportEntry& entry : catalogue->entries) {
         CheckTransportLibrary(directory, entry.library);
         text += (text.empty() ? "" : "; ") + entry.type + ": " + directory + entry.library;
     }
@@ -64,9 +74,11 @@ std::string LookAtLibraries() {
 
 std::string LookAtPortMap() {
     std::size_t count = 0;
-    const Catalogue catalogue = ReadCatalogue(CatalogueDirectory());
+    const std::optional<Catalogue> catalogue = UsableCatalogue();
     for (const auto& device : Services()) {
-        for (const Entry& service : device) Require(catalogue, service.transport, service.address);
+        for (const Entry& service : device) {
+            if (catalogue) Require(*catalogue, service.transport, service.address);
+        }
         count += device.size();
     }
     return PortMapPath() + ", services: " + std::to_string(count);

@@ -41,6 +41,8 @@ void ReadStandardInputAsBytes();
 
 // What the settings belong to, for a person; throws CommandError when nothing can be kept there.
 std::string DescribeHome();
+// Throws CommandError when the registry is damaged, which must not pass for one that holds nothing.
+void RequireSoundRegistry();
 // Adds the settings that only this host has.
 void AddHostSettings(Settings& settings);
 

@@ -59,6 +59,18 @@ std::string DescribeHome() {
     return home;
 }
 
+// What can be read of a damaged registry is read; only a change is refused, so one is tried that changes nothing.
+void RequireSoundRegistry() {
+    try {
+        kProductKey.Remove("wn: a value that nobody has");
+    } catch (const CommandError& error) {
+        throw CommandError("The registry " + wnplatform::Home() + "/registry.reg cannot be used",
+                           {.reason = error.explanation().reason,
+                            .hint = "Correct it in a text editor, or restore the file",
+                            .exit = ExitStatus::NotSetUp});
+    }
+}
+
 void AddHostSettings(Settings& settings) {
     const std::string& home = wnplatform::Home();
     const char* const variable = HomeVariable();

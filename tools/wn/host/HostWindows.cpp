@@ -141,6 +141,9 @@ std::string DescribeHome() {
     return "this machine, registry view of " + std::to_string(CurrentView().bits) + " bits";
 }
 
+// Windows keeps its registry in order by itself.
+void RequireSoundRegistry() {}
+
 void AddHostSettings(Settings& settings) {
     const UINT page = GetACP();
     settings.push_back(

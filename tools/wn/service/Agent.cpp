@@ -23,6 +23,10 @@ std::string ErrorObjectText() {
     return OneLine(ToUtf8(text.view()));
 }
 
+std::string DoctorHint(const std::string& address) {
+    return "'wn doctor --to " + address + "' checks the way to the service";
+}
+
 // For a failure whose reason stayed inside the library: what is wrong on the way to the service, else where to look.
 CommandError Diagnose(const std::string& what, const std::string& address, std::optional<HRESULT> status,
                       const char* otherwise) {
@@ -83,23 +87,27 @@ Agent::Agent(const Service& service, bool json)
     wn::Check(description->SetID(m_id.get()), "The service description refused the identifier");
     wn::Check(description->SetAddress(address.get()), "The service description refused the address");
     const auto parent = Create<wncom::IInternalWendrelParent>(wncom::kProgIdWendrelParent, "wnCOM.dll");
+    SetErrorInfo(0, nullptr);
     wn::Check(parent->CreateWendrel(description.get(), m_agent.put()), "Cannot create an agent for this service");
+    // The agent is there all the same, and its calls then fail for want of an address.
+    m_refusal = ErrorObjectText();
 }
 
 void Agent::Fail(HRESULT status, const std::string& call, const Bstr& said) const {
     const std::string what = call + " " + m_service.address;
-    std::string reason = OneLine(ToUtf8(said.view()));
-    if (reason.empty()) reason = ErrorObjectText();
+    const std::string words = OneLine(ToUtf8(said.view()));
+    if (!words.empty()) throw CommandError(what, {.reason = words, .status = status});
+    const std::string reason = m_refusal.empty() ? ErrorObjectText() : m_refusal;
     if (reason.empty()) {
         throw Diagnose(what, m_service.address, status, "The transport library gave no reason");
     }
-    throw CommandError(what, {.reason = reason, .status = status});
+    throw CommandError(what, {.reason = reason, .hint = DoctorHint(m_service.address), .status = status});
 }
 
 void Agent::FailEmpty(const std::string& call) const {
     const std::string what = call + " " + m_service.address;
-    const std::string reason = ErrorObjectText();
-    if (!reason.empty()) throw CommandError(what, {.reason = reason});
+    const std::string reason = m_refusal.empty() ? ErrorObjectText() : m_refusal;
+    if (!reason.empty()) throw CommandError(what, {.reason = reason, .hint = DoctorHint(m_service.address)});
     throw Diagnose(what, m_service.address, std::nullopt, "The service has none, or could not be asked");
 }
 

@@ -88,6 +88,7 @@ private:
     bool m_json;
     wncom::Bstr m_id;
     wncom::CPComPtr<wncom::IWendrel> m_agent;
+    std::string m_refusal;  // why the transport library refused the address; empty: it did not
 };
 
 }  // namespace wn
