@@ -120,7 +120,9 @@ TEST_P(TranscriptTest, PrintsWhatTheTranscriptSays) {
             expected += lines[i++] + "\n";
         }
         const std::string told = Run(line);
-        if (!std::getenv("WNCOM_UPDATE_TRANSCRIPTS")) EXPECT_EQ(told, expected) << "at: " << line;
+        if (!std::getenv("WNCOM_UPDATE_TRANSCRIPTS")) {
+            EXPECT_EQ(told, expected) << "at: " << line;
+        }
         whole += told;
     }
     if (std::getenv("WNCOM_UPDATE_TRANSCRIPTS")) WriteWholeFile(path, whole);

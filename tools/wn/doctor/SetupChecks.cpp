@@ -35,7 +35,7 @@ const Component kComponents[] = {
 };
 
 std::string LookAtRegistry() {
-    // Opening a key of a registry that cannot be read fails; an absent key does not.
+    RequireSoundRegistry();
     const bool any = kProductKey.Exists();
     return any ? "can be read" : "can be read, and holds no settings yet";
 }

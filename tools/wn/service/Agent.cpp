@@ -7,6 +7,7 @@
 #include "tools/wn/core/CommandError.h"
 #include "tools/wn/core/Texts.h"
 #include "tools/wn/doctor/HealthCheck.h"
+#include "tools/wn/host/Host.h"
 #include "tools/wn/settings/RegistryKey.h"
 #include "wncom/Descriptions.h"
 
@@ -64,6 +65,7 @@ void* CreateComponent(const OLECHAR* progId, const IID& iid, const char* module)
     HRESULT status = CLSIDFromProgID(progId, &clsid);
     if (SUCCEEDED(status)) status = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, iid, &object);
     if (FAILED(status)) {
+        RequireSoundRegistry();
         throw CommandError(
             "Cannot create " + ToUtf8(progId),
             {.reason = StatusText(status),
