@@ -141,10 +141,10 @@ std::size_t LogConversion::Parse(std::string_view text) noexcept {
 void LogConversion::Append(LogLine& line, const LogArgument& argument) const noexcept {
     using Kind = LogArgument::Kind;
     const std::size_t start = line.length();
-    if (argument.kind == Kind::NarrowText || (argument.kind == Kind::WideText && !argument.wide)) {
-        const char* text = argument.kind == Kind::NarrowText ? argument.narrow : nullptr;
+    if (argument.kind == Kind::NarrowString || (argument.kind == Kind::WideString && !argument.wide)) {
+        const char* text = argument.kind == Kind::NarrowString ? argument.narrow : nullptr;
         line.Append(Bounded(text ? text : "(null)", precision));
-    } else if (argument.kind == Kind::WideText) {
+    } else if (argument.kind == Kind::WideString) {
         AppendWide(line, argument.wide, precision);
     } else if (type == 'c' || type == 'C') {
         AppendCharacter(line, argument, type == 'C');

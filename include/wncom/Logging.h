@@ -38,7 +38,7 @@ extern RelaxedByte LogLevel;
 // One argument of a message, captured with its type, so that a conversion and its argument cannot disagree.
 class LogArgument {
 public:
-    enum class Kind : std::uint8_t { Signed, Unsigned, NarrowText, WideText, WideCharacter, Pointer };
+    enum class Kind : std::uint8_t { Signed, Unsigned, NarrowString, WideString, WideCharacter, Pointer };
 
     template <class T, std::enable_if_t<std::is_integral_v<T> || std::is_enum_v<T>, int> = 0>
     LogArgument(T value) noexcept
@@ -47,8 +47,8 @@ public:
                                                           : Kind::Unsigned),
           bytes(sizeof(T)),
           number(static_cast<std::uint64_t>(static_cast<std::int64_t>(value))) {}
-    LogArgument(const char* text) noexcept : kind(Kind::NarrowText), bytes(sizeof(text)), narrow(text) {}
-    LogArgument(const WCHAR* text) noexcept : kind(Kind::WideText), bytes(sizeof(text)), wide(text) {}
+    LogArgument(const char* text) noexcept : kind(Kind::NarrowString), bytes(sizeof(text)), narrow(text) {}
+    LogArgument(const WCHAR* text) noexcept : kind(Kind::WideString), bytes(sizeof(text)), wide(text) {}
     LogArgument(const CString& text) noexcept : LogArgument(text.c_str()) {}
     LogArgument(const void* pointer) noexcept
         : kind(Kind::Pointer), bytes(sizeof(pointer)), number(reinterpret_cast<std::uintptr_t>(pointer)) {}
