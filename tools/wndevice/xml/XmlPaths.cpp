@@ -29,9 +29,10 @@ void Ignore(void*, xmlError*) {}
 // libxml2 limits the steps of a path but not the text that a step walks through. A step at the document itself walks
 // through all its text at most, so the longer that is, the fewer steps there are. Functions that make longer texts,
 // or go through one for each part of the other, pay for it in steps.
-template <void (*function)(xmlXPathParserContext*, int)>
+enum class Cost { Copies, Searches };
+template <void (*function)(xmlXPathParserContext*, int), Cost cost>
 void Metered(xmlXPathParserContext* parser, int count) {
-    constexpr bool searches = function != &xmlXPathConcatFunction;
+    constexpr bool searches = cost == Cost::Searches;
     xmlXPathContext& context = *parser->context;
     const std::size_t stepBytes = *static_cast<const std::size_t*>(context.userData);
     double work = searches ? 1 : 0;
@@ -56,11 +57,11 @@ XmlPaths::XmlPaths(xmlDoc& document, const std::string& prefixes)
     m_context->opLimit = std::min(kMostSteps, kMostWork / m_stepBytes);
     m_context->userData = &m_stepBytes;
     constexpr std::pair<const char*, xmlXPathFunction> functions[] = {
-        {"concat", &Metered<&xmlXPathConcatFunction>},
-        {"contains", &Metered<&xmlXPathContainsFunction>},
-        {"substring-before", &Metered<&xmlXPathSubstringBeforeFunction>},
-        {"substring-after", &Metered<&xmlXPathSubstringAfterFunction>},
-        {"translate", &Metered<&xmlXPathTranslateFunction>},
+        {"concat", &Metered<&xmlXPathConcatFunction, Cost::Copies>},
+        {"contains", &Metered<&xmlXPathContainsFunction, Cost::Searches>},
+        {"substring-before", &Metered<&xmlXPathSubstringBeforeFunction, Cost::Searches>},
+        {"substring-after", &Metered<&xmlXPathSubstringAfterFunction, Cost::Searches>},
+        {"translate", &Metered<&xmlXPathTranslateFunction, Cost::Searches>},
     };
     for (const auto& [name, function] : functions) {
         xmlXPathRegisterFunc(m_context.get(), ToXml(name), nullptr);  // takes libxml2's own away
