@@ -27,14 +27,16 @@ target_link_libraries(wncom_test_support PRIVATE wncom_options PUBLIC wncom_head
 set(host_root $<$<PLATFORM_ID:Windows>:Z:>)
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/bin/tests-folder CONTENT "${host_root}${CMAKE_SOURCE_DIR}/tests\n")
 
+# A test is compiled as often as it runs: optimising it takes longer than it saves.
+set(test_options $<$<CONFIG:Release>:-O0>)
 # What every test includes, parsed once; without a time stamp in it, ccache finds what it compiled with the same headers.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    set(precompiled_options "SHELL:-Xclang -fno-pch-timestamp")
+    list(APPEND test_options "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
 add_executable(wncom_test_headers ${CMAKE_BINARY_DIR}/test_headers.cpp)
 target_link_libraries(wncom_test_headers PRIVATE wncom_options wncom_test_support)
-target_compile_options(wncom_test_headers PRIVATE ${precompiled_options})
+target_compile_options(wncom_test_headers PRIVATE ${test_options})
 target_precompile_headers(
     wncom_test_headers
     PRIVATE
@@ -63,7 +65,7 @@ function(wncom_add_test name)
     endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE wncom_options wncom_test_support ${arg_LIBRARIES})
-    target_compile_options(${name} PRIVATE ${precompiled_options})
+    target_compile_options(${name} PRIVATE ${test_options})
     target_precompile_headers(${name} REUSE_FROM wncom_test_headers)
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
