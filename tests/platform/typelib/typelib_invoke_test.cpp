@@ -32,7 +32,8 @@ struct Value : VARIANT {
         byref = place;
     }
     Value(Bstr& text) : Value(VT_BSTR, text.put()) {}
-    Value(const Value& other) : Value() { VariantChangeType(this, &other, 0, other.vt); }
+    // Windows' own header lacks the const.
+    Value(const Value& other) : Value() { VariantChangeType(this, const_cast<Value*>(&other), 0, other.vt); }
     Value(Value&& other) noexcept : VARIANT(other) { VariantInit(&other); }
     ~Value() { VariantClear(this); }
 };
