@@ -52,11 +52,12 @@ TEST_F(CapabilitiesTest, ComeFromTheCacheOrTheService) {
         Begin();
         SetLifetime(situation.lifetime);
         situation.prepare();
-        transcript += std::string("== ") + situation.name + ": ";
-        transcript += Ask() + "\n" + Happened();
+        const std::string answer = Ask();
+        transcript += std::string("== ") + situation.name + ": " + answer + "\n" + Happened();
     }
     Begin();
-    transcript += "== no place: " + Hex(m_agent->GetCapabilitiesTicket(nullptr)) + "\n" + Happened();
+    const HRESULT status = m_agent->GetCapabilitiesTicket(nullptr);
+    transcript += "== no place: " + Hex(status) + "\n" + Happened();
     ExpectGolden("agent/golden/capabilities.log", transcript);
 }
 

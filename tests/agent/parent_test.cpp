@@ -52,7 +52,8 @@ TEST_F(ParentTest, MakesAnAgentOrTellsWhyNot) {
     transcript += "== no service description: " + Made(&m_rubbish);
     const CPComPtr<IServiceDesc> service = Service();
     Prepare();
-    transcript += "== no place: " + Hex(m_parent->CreateWendrel(service.get(), nullptr)) + "\n" + Happened();
+    const HRESULT status = m_parent->CreateWendrel(service.get(), nullptr);
+    transcript += "== no place: " + Hex(status) + "\n" + Happened();
 
     OLECHAR clsid[39];
     StringFromGUID2(CLSID_TransportDesc, clsid, 39);
@@ -111,8 +112,8 @@ TEST_F(ParentTest, InitialisationAsksBothObjectsTheServiceDescriptionFirst) {
                               Case{"a valid one beside something else", service.get(), &m_rubbish},
                               Case{"both are right", service.get(), transport.get()}}) {
         Prepare();
-        transcript += std::string("== ") + given.name + ": " +
-                      Hex(agent->InitByParent(given.service, given.transport)) + "\n" + Happened();
+        const HRESULT status = agent->InitByParent(given.service, given.transport);
+        transcript += std::string("== ") + given.name + ": " + Hex(status) + "\n" + Happened();
     }
     ExpectGolden("agent/golden/initialisation.log", transcript);
 }

@@ -193,8 +193,8 @@ TEST_F(BridgeTest, AnswersAsksAndLogs) {
         bridge.SetServiceURI(kWideAddress);
         Script().ForgetCalls();
         m_log.Clear();
-        transcript += std::string("== ") + given.name + ": ";
-        transcript += given.run(bridge) + "\n" + Happened();
+        const std::string shown = given.run(bridge);
+        transcript += std::string("== ") + given.name + ": " + shown + "\n" + Happened();
     }
     ExpectGolden("bridge/golden/operations.log", transcript);
 }

@@ -104,7 +104,8 @@ private:
         const std::size_t count = Number(length + 2);
         const std::size_t inserted = count == 0 ? length : std::min(count, length);
         const WideText part(text, inserted);
-        EXPECT_EQ(m_buffer.Insert(text, position, count), inserted > 0 && !FailingAllocator::failed);
+        const bool done = m_buffer.Insert(text, position, count);
+        EXPECT_EQ(done, inserted > 0 && !FailingAllocator::failed);
         m_model.insert(std::min(position, m_model.size()), part);
     }
     void Erase() {
