@@ -75,7 +75,7 @@ LONG CALLBACK WriteDebugOutput(EXCEPTION_POINTERS* exception) {
 void ClearDefaultFiles() {
     char folder[MAX_PATH];
     if (!GetWindowsDirectoryA(folder, sizeof(folder))) std::abort();
-    for (const char* name : {"portmap.xml", "qbos.ini", "xmlcache.db", "xmlcache.db-wal", "xmlcache.db-shm"}) {
+    for (const char* name : {"portmap.xml", "qbos.ini", "xmlcache.db", "xmlcache.db-journal"}) {
         DeleteFileA((std::string(folder) + "\\" + name).c_str());
     }
     DeleteFileA("\\qbv-event.log");
